@@ -1,0 +1,111 @@
+#pragma once
+
+// Data of the network root and of what it holds directly: junctions between sub-networks, roads, external
+// files, geolocalisation and materials.
+
+#include <orvia/ruvex/schema.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+namespace Ruvex {
+
+class SubNetworkElement;
+
+// A reference to a file outside the document; saved under the tag it was created with.
+#define RUVEX_EXTERNAL_FILE_TABLE(F)               \
+    F(ATTR, std::string, FilePath, "filePath", "") \
+    F(ATTR, bool, Flipped, "flipped", false)
+
+class ExternalFileElement : public Element {
+    RUVEX_FIELDS(ExternalFileElement, Element, RUVEX_EXTERNAL_FILE_TABLE)
+    RUVEX_TAGGED(ExternalFileElement)
+};
+
+// The projected position of the local origin (centre), the projection and the geographic position it implies.
+#define RUVEX_GEOLOCALISATION_TABLE(F)               \
+    F(ATTR, double, Latitude, "latitude", 0.0)       \
+    F(ATTR, double, Longitude, "longitude", 0.0)     \
+    F(ATTR, double, Elevation, "elevation", 0.0)     \
+    F(ATTR, double, Azimuth, "azimuth", 0.0)         \
+    F(ATTR, double, TimeOffset, "timeOffset", 0.0)   \
+    F(ATTR, double, ScaleFactor, "scaleFactor", 1.0) \
+    F(ATTR, uint32_t, Epsg, "epsg", 0u)              \
+    F(ATTR, std::string, Wkt, "wkt", "")             \
+    F(XYZ, Centering, "centerX", "centerY", "centerZ", 0.0, 0.0, 0.0)
+
+class GeolocalisationElement : public Element {
+    RUVEX_FIELDS(GeolocalisationElement, Element, RUVEX_GEOLOCALISATION_TABLE)
+};
+
+#define RUVEX_MATERIAL_TABLE(F) F(ATTR, std::string, FilePath, "filePath", "")
+
+// A named material; its channels and colours are declared with the surface data.
+class MaterialElement : public NamedElement {
+    RUVEX_FIELDS(MaterialElement, NamedElement, RUVEX_MATERIAL_TABLE)
+};
+
+#define RUVEX_GENERATED_TERRAIN_MATERIAL_TABLE(F) F(CHILD, MaterialElement, Material, "Material")
+
+class GeneratedTerrainMaterialElement : public Element {
+    RUVEX_FIELDS(GeneratedTerrainMaterialElement, Element, RUVEX_GENERATED_TERRAIN_MATERIAL_TABLE)
+};
+
+// One extremity of a track joined by a sub-network junction.
+#define RUVEX_SUB_NETWORK_EXIT_TABLE(F)                    \
+    F(ATTR, std::string, SubNetworkName, "subNetwork", "") \
+    F(ATTR, std::string, TrackName, "track", "")           \
+    F(ATTR, std::string, Extremity, "extremity", "start")
+
+class SubNetworkExitElement : public Element {
+    RUVEX_FIELDS(SubNetworkExitElement, Element, RUVEX_SUB_NETWORK_EXIT_TABLE)
+};
+
+#define RUVEX_SUB_NETWORK_JUNCTION_TABLE(F)        \
+    F(XYZ, Position, "x", "y", "z", 0.0, 0.0, 0.0) \
+    F(LIST, SubNetworkExitElement, Exits, "SubNetworkExit")
+
+class SubNetworkJunctionElement : public NamedElement {
+    RUVEX_FIELDS(SubNetworkJunctionElement, NamedElement, RUVEX_SUB_NETWORK_JUNCTION_TABLE)
+};
+
+// A piece of a road: a track of a sub-network, run along or against the track's direction.
+#define RUVEX_ROAD_PIECE_TABLE(F)                          \
+    F(ATTR, std::string, SubNetworkName, "subNetwork", "") \
+    F(ATTR, std::string, TrackName, "track", "")           \
+    F(ATTR, bool, Inverted, "inverted", false)
+
+class RoadPieceElement : public Element {
+    RUVEX_FIELDS(RoadPieceElement, Element, RUVEX_ROAD_PIECE_TABLE)
+};
+
+#define RUVEX_ROAD_TABLE(F)                                                                 \
+    F(ATTR, uint64_t, PriorityLevel, "priorityLevel", std::numeric_limits<uint64_t>::max()) \
+    F(LIST, RoadPieceElement, Pieces, "RoadElement")
+
+class RoadElement : public NamedElement {
+    RUVEX_FIELDS(RoadElement, NamedElement, RUVEX_ROAD_TABLE)
+};
+
+#define RUVEX_NETWORK_TABLE(F)                                                                             \
+    F(ATTR, std::string, TrafficHand, "trafficHand", "right-hand")                                         \
+    F(CHILD, GeolocalisationElement, Geolocalisation, "Geolocalisation")                                   \
+    F(CHILD, ExternalFileElement, GlobalTerrainElement, "ExternalTerrain")                                 \
+    F(CHILD, ExternalFileElement, RollingSurfaceElement, "ExternalSurface")                                \
+    F(CHILD, ExternalFileElement, PhysicalSurfaceElement, "ExternalPhysicSurface")                         \
+    F(CHILD, GeneratedTerrainMaterialElement, GeneratedTerrainMaterialElement, "GeneratedTerrainMaterial") \
+    F(NAMED_LIST_IN, SubNetworkElement, SubNetworks, "SubNetworks", "SubNetwork")                          \
+    F(NAMED_LIST_IN, SubNetworkJunctionElement, SubNetworkJunctions, "SubNetworkJunctions",                \
+      "SubNetworkJunction")                                                                                \
+    F(NAMED_LIST_IN, RoadElement, Roads, "Roads", "Road")
+
+class NetworkElement : public NamedElement {
+    RUVEX_FIELDS(NetworkElement, NamedElement, RUVEX_NETWORK_TABLE)
+
+public:
+    // The material of the generated terrain, or null.
+    virtual MaterialElement* GetGeneratedTerrainMaterial() const;
+};
+
+}  // namespace Ruvex

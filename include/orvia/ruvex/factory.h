@@ -1,0 +1,49 @@
+#pragma once
+
+#include <orvia/ruvex/element.h>
+
+#include <string>
+#include <vector>
+
+namespace Ruvex {
+
+// Decides which object stands for each tag met while loading. The base creates the data class registered for
+// the tag and a GenericElement (which keeps everything) for any other tag; hosts install a factory of their
+// own.
+class Factory : public CountedObject {
+public:
+    // A new element with count 0; never null.
+    virtual Element* Create(const std::string& tag);
+};
+
+// The process-wide factory (null when none is installed: the base behaviour applies).
+Factory* GetFactory();
+// Installs `factory` (taking a reference); null uninstalls.
+void SetFactory(Factory* factory);
+// A new element for `tag` from the installed factory, or from the base one.
+Element* CreateElement(const std::string& tag);
+
+// Something wrong with a document, with the place where it was found (line and column 1-based, 0 when
+// unknown).
+struct Problem {
+    std::string file;
+    size_t line = 0;
+    size_t column = 0;
+    std::string message;
+};
+// "file:line:column: message"
+std::string ToString(const Problem& problem);
+
+// Parses a document (a file path, or with fromMemory the NUL-terminated text itself) and builds its object
+// tree through the factory. Returns the element under the "Ruvex" root, or null when the text is not
+// well-formed, the root is not "Ruvex", or any attribute was malformed. The caller owns the result (count 0).
+Element* Load(const char* pathOrText, bool fromMemory);
+// Writes `root` as a document at `path`: to a temporary file first, renamed over the target only when
+// complete, so that a failed save leaves an existing file untouched.
+bool Save(Element* root, const char* path);
+// The document text that Save would write.
+std::string SaveToString(Element* root);
+// Problems of the last Load or Save on this thread.
+const std::vector<Problem>& GetLastProblems();
+
+}  // namespace Ruvex

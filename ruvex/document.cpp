@@ -1,0 +1,332 @@
+// Whole documents: the "Ruvex" root, its version, and what surrounds the loaded element.
+
+#include <orvia/ruvex/factory.h>
+#include <orvia/ruvex/schema.h>
+
+#include "pugi_dom.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace Ruvex {
+
+struct PreservedContent::Document {
+    bool hasDeclaration = false;
+    std::vector<PreservedAttribute> declaration;
+    std::vector<PreservedNode> prolog;  // before the root; doctype kept with kind Other
+    std::vector<PreservedNode> epilog;
+    std::vector<PreservedAttribute> rootAttributes;
+    std::vector<PreservedNode> rootNodes;  // anchor 0: before the loaded element, 1: after it
+    bool latin1 = false;
+};
+
+namespace {
+
+const std::string kRootTag = "Ruvex";
+const std::string kVersionAttribute = "version";
+const std::string kRevisionAttribute = "versionRevision";
+
+std::vector<Problem>& LastProblems() {
+    thread_local std::vector<Problem> problems;
+    return problems;
+}
+
+bool ReadFile(const char* path, std::string& text) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return false;
+    std::ostringstream buffer;
+    buffer << in.rdbuf();
+    if (in.bad()) return false;
+    text = std::move(buffer).str();
+    return true;
+}
+
+// "2.4" or "2.4.3"; the revision attribute, when present, gives the third number.
+bool ParseVersion(std::string_view text, int parts[3]) {
+    int index = 0;
+    parts[0] = parts[1] = parts[2] = 0;
+    while (!text.empty() && index < 3) {
+        size_t dot = text.find('.');
+        std::string_view piece = text.substr(0, dot);
+        if (detail::ParseInteger(piece, parts[index]) != AttributeStatus::Ok || parts[index] < 0)
+            return false;
+        ++index;
+        if (dot == std::string_view::npos) return true;
+        text.remove_prefix(dot + 1);
+    }
+    return index > 0 && text.empty();
+}
+
+PreservedNode KeepDocumentNode(pugi::xml_node node, detail::PugiDocument& document, uint32_t anchor) {
+    PreservedNode kept;
+    kept.anchor = anchor;
+    switch (node.type()) {
+        case pugi::node_comment:
+            kept.kind = NodeKind::Comment;
+            break;
+        case pugi::node_pi:
+            kept.kind = NodeKind::ProcessingInstruction;
+            kept.name = node.name();
+            break;
+        case pugi::node_pcdata:
+            kept.kind = NodeKind::Text;
+            break;
+        case pugi::node_cdata:
+            kept.kind = NodeKind::CData;
+            break;
+        case pugi::node_element: {
+            kept.kind = NodeKind::Element;
+            detail::PugiNode wrapper(node, &document);
+            CountedPtr<GenericElement> copy(new GenericElement(node.name()));
+            copy->LoadFromXMLElement(&wrapper, &document);
+            kept.element = copy;
+            return kept;
+        }
+        default:
+            kept.kind = NodeKind::Other;
+            break;  // doctype
+    }
+    kept.value = node.value();
+    return kept;
+}
+
+void WriteDocumentNodes(pugi::xml_node parent, const std::vector<PreservedNode>& nodes) {
+    for (const PreservedNode& p : nodes) {
+        pugi::xml_node_type type = pugi::node_comment;
+        switch (p.kind) {
+            case NodeKind::ProcessingInstruction:
+                type = pugi::node_pi;
+                break;
+            case NodeKind::Other:
+                type = pugi::node_doctype;
+                break;
+            case NodeKind::Comment:
+                type = pugi::node_comment;
+                break;
+            default:
+                continue;  // no text or element may sit outside the root
+        }
+        pugi::xml_node n = parent.append_child(type);
+        if (type == pugi::node_pi) n.set_name(p.name.c_str());
+        n.set_value(p.value.c_str());
+    }
+}
+
+Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& problems) {
+    auto fail = [&]() -> Element* {
+        problems = document.problems();
+        return nullptr;
+    };
+    pugi::xml_node root = document.doc().document_element();
+    if (!root) {
+        document.ReportAt(0, "the document holds no element");
+        return fail();
+    }
+    detail::PugiNode rootWrapper(root, &document);
+    if (std::strcmp(root.name(), kRootTag.c_str()) != 0) {
+        document.ReportProblem(&rootWrapper,
+                               "expected the root element <" + kRootTag + ">, found <" + root.name() + ">");
+        return fail();
+    }
+
+    auto keep = std::make_shared<PreservedContent::Document>();
+    keep->latin1 = document.latin1File();
+    int version[3] = {kCurrentVersionMajor, kCurrentVersionMinor, kCurrentVersionRevision};
+    bool hasRevision = false;
+    for (pugi::xml_attribute a = root.first_attribute(); a; a = a.next_attribute()) {
+        if (kVersionAttribute == a.name()) {
+            if (!ParseVersion(a.value(), version))
+                document.ReportProblem(&rootWrapper,
+                                       "attribute \"version\" of <Ruvex>: expected a version such as "
+                                       "\"2.4\", found \"" +
+                                           std::string(a.value()) + "\"");
+        } else if (kRevisionAttribute == a.name()) {
+            hasRevision = true;
+            if (detail::ParseInteger(std::string_view(a.value()), version[2]) != AttributeStatus::Ok ||
+                version[2] < 0)
+                document.ReportProblem(&rootWrapper,
+                                       "attribute \"versionRevision\" of <Ruvex>: expected a "
+                                       "non-negative integer, found \"" +
+                                           std::string(a.value()) + "\"");
+        } else {
+            keep->rootAttributes.push_back({a.name(), a.value()});
+        }
+    }
+    (void)hasRevision;
+    document.SetVersion(MakeVersionID(version[0], version[1], version[2]));
+
+    for (pugi::xml_node n = document.doc().first_child(); n; n = n.next_sibling()) {
+        if (n == root) continue;
+        if (n.type() == pugi::node_declaration) {
+            keep->hasDeclaration = true;
+            for (pugi::xml_attribute a = n.first_attribute(); a; a = a.next_attribute())
+                keep->declaration.push_back({a.name(), a.value()});
+            continue;
+        }
+        bool before = true;
+        for (pugi::xml_node m = n; m; m = m.next_sibling())
+            if (m == root)
+                break;
+            else if (!m.next_sibling())
+                before = false;
+        (before ? keep->prolog : keep->epilog).push_back(KeepDocumentNode(n, document, 0));
+    }
+
+    Element* object = nullptr;
+    uint32_t anchor = 0;
+    for (pugi::xml_node n = root.first_child(); n; n = n.next_sibling()) {
+        if (!object && n.type() == pugi::node_element) {
+            detail::PugiNode wrapper(n, &document);
+            object = CreateElement(n.name());
+            object->AddRef();
+            object->LoadFromXMLElement(&wrapper, &document);
+            anchor = 1;
+            continue;
+        }
+        keep->rootNodes.push_back(KeepDocumentNode(n, document, anchor));
+    }
+    if (!object) {
+        document.ReportProblem(&rootWrapper, "the <Ruvex> root holds no element");
+        return fail();
+    }
+    if (!document.problems().empty()) {
+        object->Release();
+        return fail();
+    }
+    object->EditPreserved().document = std::move(keep);
+    object->SetRefCount(0);
+    return object;
+}
+
+bool BuildDocument(Element* root, detail::PugiDocument& document, std::string& text) {
+    const PreservedContent* preserved = root->GetPreserved();
+    const PreservedContent::Document* kept = preserved ? preserved->document.get() : nullptr;
+    pugi::xml_document& doc = document.doc();
+
+    pugi::xml_node declaration = doc.append_child(pugi::node_declaration);
+    declaration.set_name("xml");
+    if (kept && kept->hasDeclaration) {
+        for (const PreservedAttribute& a : kept->declaration)
+            declaration.append_attribute(a.name.c_str()).set_value(a.value.c_str());
+    } else {
+        declaration.append_attribute("version").set_value("1.0");
+        declaration.append_attribute("encoding").set_value("UTF-8");
+    }
+    if (kept) WriteDocumentNodes(doc, kept->prolog);
+
+    pugi::xml_node rootNode = doc.append_child(kRootTag.c_str());
+    rootNode.append_attribute(kVersionAttribute.c_str())
+        .set_value(
+            (std::to_string(kCurrentVersionMajor) + "." + std::to_string(kCurrentVersionMinor)).c_str());
+    rootNode.append_attribute(kRevisionAttribute.c_str()).set_value(kCurrentVersionRevision);
+    if (kept)
+        for (const PreservedAttribute& a : kept->rootAttributes)
+            rootNode.append_attribute(a.name.c_str()).set_value(a.value.c_str());
+
+    auto* built = static_cast<detail::PugiNode*>(root->BuildXMLElement(&document));
+    if (!built) {
+        document.ReportProblem(nullptr, "the element could not be written");
+        return false;
+    }
+    rootNode.append_move(built->node());
+    if (kept) detail::MergePreservedNodes(document, rootNode, kept->rootNodes);
+    if (kept) WriteDocumentNodes(doc, kept->epilog);
+    document.ApplyDeferred();
+    if (!document.problems().empty()) return false;
+
+    struct Writer : pugi::xml_writer {
+        std::string* out;
+        void write(const void* data, size_t size) override {
+            out->append(static_cast<const char*>(data), size);
+        }
+    } writer;
+    writer.out = &text;
+    text.clear();
+    doc.save(writer, "  ", pugi::format_default,
+             kept && kept->latin1 ? pugi::encoding_latin1 : pugi::encoding_utf8);
+    return true;
+}
+
+}  // namespace
+
+Element* Load(const char* pathOrText, bool fromMemory) {
+    std::vector<Problem>& problems = LastProblems();
+    problems.clear();
+    if (!pathOrText) {
+        problems.push_back(Problem{"", 0, 0, "no document given"});
+        return nullptr;
+    }
+    std::string text;
+    if (fromMemory) {
+        text.assign(pathOrText);
+    } else if (!ReadFile(pathOrText, text)) {
+        problems.push_back(Problem{pathOrText, 0, 0, "cannot read the file"});
+        return nullptr;
+    }
+    detail::PugiDocument document(fromMemory ? std::string("buffer") : std::string(pathOrText));
+    if (!document.Parse(std::move(text))) {
+        problems = document.problems();
+        return nullptr;
+    }
+    return LoadDocument(document, problems);
+}
+
+std::string SaveToString(Element* root) {
+    std::vector<Problem>& problems = LastProblems();
+    problems.clear();
+    std::string text;
+    if (!root) return text;
+    detail::PugiDocument document("buffer");
+    if (!BuildDocument(root, document, text)) {
+        problems = document.problems();
+        text.clear();
+    }
+    return text;
+}
+
+bool Save(Element* root, const char* path) {
+    std::vector<Problem>& problems = LastProblems();
+    problems.clear();
+    if (!root || !path || !*path) {
+        problems.push_back(Problem{path ? path : "", 0, 0, "nothing to save or no file name"});
+        return false;
+    }
+    std::string text;
+    detail::PugiDocument document(path);
+    if (!BuildDocument(root, document, text)) {
+        problems = document.problems();
+        return false;
+    }
+    namespace fs = std::filesystem;
+    fs::path target(path);
+    fs::path temporary = target;
+    temporary += ".orvia-partial";
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        out.write(text.data(), static_cast<std::streamsize>(text.size()));
+        out.close();
+        if (!out) {
+            std::error_code ignored;
+            fs::remove(temporary, ignored);
+            problems.push_back(Problem{path, 0, 0, "cannot write the file"});
+            return false;
+        }
+    }
+    std::error_code error;
+    fs::rename(temporary, target, error);
+    if (error) {
+        std::error_code ignored;
+        fs::remove(temporary, ignored);
+        problems.push_back(Problem{path, 0, 0, "cannot replace the file: " + error.message()});
+        return false;
+    }
+    return true;
+}
+
+const std::vector<Problem>& GetLastProblems() {
+    return LastProblems();
+}
+
+}  // namespace Ruvex

@@ -1,0 +1,278 @@
+#include <orvia/ruvex/element.h>
+#include <orvia/ruvex/factory.h>
+#include <orvia/ruvex/schema.h>
+
+#include "pugi_dom.h"
+
+#include <typeinfo>
+
+namespace Ruvex {
+
+namespace {
+
+std::string_view Expected(std::string_view typeName) {
+    if (typeName == "double" || typeName == "float") return "a finite number";
+    if (typeName == "bool") return "true or false";
+    if (typeName == "unsigned integer") return "a non-negative integer";
+    return "an integer";
+}
+
+detail::PugiDocument* AsPugi(IDOMParser* parser) {
+    return typeid(*parser) == typeid(detail::PugiDocument) ? static_cast<detail::PugiDocument*>(parser)
+                                                           : nullptr;
+}
+
+PreservedNode CopyNode(IDOMElement* node, IDOMParser* parser, uint32_t anchor) {
+    PreservedNode kept;
+    kept.kind = node->GetNodeKind();
+    kept.anchor = anchor;
+    if (kept.kind == NodeKind::Element) {
+        CountedPtr<GenericElement> copy(new GenericElement(std::string(node->GetTagName())));
+        copy->LoadFromXMLElement(node, parser);
+        kept.element = copy;
+    } else {
+        if (kept.kind == NodeKind::ProcessingInstruction) kept.name = std::string(node->GetTagName());
+        kept.value = std::string(node->GetValue());
+    }
+    return kept;
+}
+
+// Creates, loads and stores one child of a declared list. False when the object could not be made, did not
+// load, or is not of the list's type: the caller then keeps the child verbatim.
+bool LoadItem(Element& self, const ChildField& field, IDOMElement* child, IDOMParser* parser) {
+    thread_local std::string tag;
+    tag.assign(child->GetTagName());
+    CountedPtr<Element> object(CreateElement(tag));
+    if (!object || !object->LoadFromXMLElement(child, parser)) return false;
+    return field.accept(self, object.Get());
+}
+
+void AppendNodes(IDOMElement* element, IDOMParser* parser, const std::vector<PreservedNode>& nodes) {
+    if (detail::PugiDocument* pugi = AsPugi(parser)) {
+        detail::MergePreservedNodes(*pugi, static_cast<detail::PugiNode*>(element)->node(), nodes);
+        return;
+    }
+    for (const PreservedNode& n : nodes) {
+        if (n.kind == NodeKind::Element) {
+            if (n.element) element->AppendChild(n.element->BuildXMLElement(parser));
+        } else {
+            element->AppendNode(n.kind, n.name, n.value);
+        }
+    }
+}
+
+}  // namespace
+
+PreservedContainer& PreservedContent::Container(std::string_view tag) {
+    for (PreservedContainer& c : containers)
+        if (c.tag == tag) return c;
+    containers.push_back(PreservedContainer{std::string(tag), {}, {}});
+    return containers.back();
+}
+
+const PreservedContainer* PreservedContent::FindContainer(std::string_view tag) const {
+    for (const PreservedContainer& c : containers)
+        if (c.tag == tag) return &c;
+    return nullptr;
+}
+
+Element::Element() : m_schema(&Element::StaticSchema()) {}
+Element::Element(const Schema* schema) : m_schema(schema ? schema : &Element::StaticSchema()) {}
+Element::Element(const Element& other)
+    : CountedObject(other),
+      m_schema(other.m_schema),
+      m_preserved(other.m_preserved ? std::make_unique<PreservedContent>(*other.m_preserved) : nullptr) {}
+Element& Element::operator=(const Element& other) {
+    if (this != &other)
+        m_preserved = other.m_preserved ? std::make_unique<PreservedContent>(*other.m_preserved) : nullptr;
+    return *this;
+}
+Element::~Element() = default;
+
+const Schema& Element::StaticSchema() {
+    static const Schema schema = SchemaBuilder("", "Element", nullptr).Build();
+    return schema;
+}
+
+const std::string& Element::GetTagName() const {
+    return m_schema->tag;
+}
+
+PreservedContent& Element::EditPreserved() {
+    if (!m_preserved) m_preserved = std::make_unique<PreservedContent>();
+    return *m_preserved;
+}
+
+bool Element::LoadFromXMLElement(IDOMElement* element, IDOMParser* parser) {
+    if (!element || !parser) return false;
+    bool ok = LoadAttributes(element, parser);
+    LoadChildren(element, parser);
+    return ok;
+}
+
+bool Element::LoadAttributes(IDOMElement* element, IDOMParser* parser) {
+    if (!element || !parser) return false;
+    if (m_preserved) m_preserved->attributes.clear();
+    struct Context {
+        Element* self;
+        IDOMElement* element;
+        IDOMParser* parser;
+        size_t hint;
+        bool ok;
+    } context{this, element, parser, 0, true};
+    element->VisitAttributes(&context, [](void* opaque, std::string_view name, std::string_view value) {
+        auto& c = *static_cast<Context*>(opaque);
+        const AttributeField* field = c.self->m_schema->FindAttribute(name, c.hint);
+        if (!field) {
+            c.self->EditPreserved().attributes.push_back({std::string(name), std::string(value)});
+            return;
+        }
+        if (field->read(*c.self, value, *field) == AttributeStatus::Malformed) {
+            c.ok = false;
+            c.parser->ReportProblem(c.element, "attribute \"" + std::string(name) + "\" of <" +
+                                                   std::string(c.element->GetTagName()) + ">: expected " +
+                                                   std::string(Expected(field->typeName)) + ", found \"" +
+                                                   std::string(value) + "\"");
+        }
+    });
+    return context.ok;
+}
+
+void Element::LoadChildren(IDOMElement* element, IDOMParser* parser) {
+    if (!element || !parser) return;
+    if (m_preserved) {
+        m_preserved->nodes.clear();
+        m_preserved->containers.clear();
+    }
+    struct Context {
+        Element* self;
+        IDOMParser* parser;
+        uint32_t taken;
+    } context{this, parser, 0};
+    detail::ForEachNode(element, &context, [](void* opaque, IDOMElement* node) {
+        auto& c = *static_cast<Context*>(opaque);
+        NodeKind kind = node->GetNodeKind();
+        if (kind == NodeKind::Other) return;
+        if (kind == NodeKind::Element && c.self->LoadChild(node, c.parser)) {
+            ++c.taken;
+            return;
+        }
+        c.self->EditPreserved().nodes.push_back(CopyNode(node, c.parser, c.taken));
+    });
+}
+
+void Element::PreserveChild(IDOMElement* child, IDOMParser* parser, uint32_t anchor) {
+    if (!child || !parser) return;
+    EditPreserved().nodes.push_back(CopyNode(child, parser, anchor));
+}
+
+bool Element::LoadChild(IDOMElement* child, IDOMParser* parser) {
+    if (!child || !parser) return false;
+    std::string_view tag = child->GetTagName();
+    if (const ChildField* field = m_schema->FindItem(tag)) return LoadItem(*this, *field, child, parser);
+    const ChildField* field = m_schema->FindContainer(tag);
+    if (!field) return false;
+
+    // The wrapper's own leftovers are recorded only when there are some.
+    struct Context {
+        Element* self;
+        const ChildField* field;
+        IDOMParser* parser;
+        PreservedContainer* kept;
+        uint32_t taken;
+        PreservedContainer& Kept() {
+            if (!kept) kept = &self->EditPreserved().Container(field->container);
+            return *kept;
+        }
+    } context{this, field, parser, nullptr, 0};
+    child->VisitAttributes(&context, [](void* opaque, std::string_view name, std::string_view value) {
+        static_cast<Context*>(opaque)->Kept().attributes.push_back({std::string(name), std::string(value)});
+    });
+    detail::ForEachNode(child, &context, [](void* opaque, IDOMElement* node) {
+        auto& c = *static_cast<Context*>(opaque);
+        NodeKind kind = node->GetNodeKind();
+        if (kind == NodeKind::Other) return;
+        if (kind == NodeKind::Element && c.field->Accepts(node->GetTagName()) &&
+            LoadItem(*c.self, *c.field, node, c.parser)) {
+            ++c.taken;
+            return;
+        }
+        c.Kept().nodes.push_back(CopyNode(node, c.parser, c.taken));
+    });
+    return true;
+}
+
+IDOMElement* Element::BuildXMLElement(IDOMParser* parser) {
+    return BuildGenericXMLElement(parser);
+}
+
+IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
+    if (!parser) return nullptr;
+    IDOMElement* element = parser->CreateElement(GetTagName());
+    FormatBuffer buffer;
+    for (const AttributeField& field : m_schema->attributes) {
+        std::string_view text = field.format(*this, buffer, field);
+        if ((field.typeName == "double" || field.typeName == "float") &&
+            text.find('n') != std::string_view::npos)
+            parser->ReportProblem(element, "attribute \"" + std::string(field.name) + "\" of <" +
+                                               GetTagName() + "> is not a finite number");
+        element->SetRawAttribute(field.name, text);
+    }
+    if (m_preserved)
+        for (const PreservedAttribute& a : m_preserved->attributes)
+            element->SetRawAttribute(a.name, a.value);
+
+    struct Context {
+        IDOMElement* parent;
+        IDOMParser* parser;
+        bool any;
+    };
+    auto append = [](void* opaque, Element* child) {
+        auto& c = *static_cast<Context*>(opaque);
+        if (IDOMElement* built = child->BuildXMLElement(c.parser)) {
+            c.parent->AppendChild(built);
+            c.any = true;
+        }
+    };
+    for (const ChildField& field : m_schema->children) {
+        if (field.container.empty()) {
+            Context context{element, parser, false};
+            field.forEach(*this, &context, append);
+            continue;
+        }
+        const PreservedContainer* kept = m_preserved ? m_preserved->FindContainer(field.container) : nullptr;
+        IDOMElement* container = parser->CreateElement(field.container);
+        if (kept)
+            for (const PreservedAttribute& a : kept->attributes)
+                container->SetRawAttribute(a.name, a.value);
+        Context context{container, parser, false};
+        field.forEach(*this, &context, append);
+        if (kept) AppendNodes(container, parser, kept->nodes);
+        // An empty list leaves no trace unless the file had something of its own in the wrapper.
+        if (context.any || kept) element->AppendChild(container);
+    }
+    if (m_preserved && !m_preserved->nodes.empty()) {
+        if (detail::PugiDocument* pugi = AsPugi(parser))
+            pugi->Defer(static_cast<detail::PugiNode*>(element)->node(), m_preserved.get());
+        else
+            AppendNodes(element, parser, m_preserved->nodes);
+    }
+    return element;
+}
+
+NamedElement::NamedElement() : Element(&NamedElement::StaticSchema()) {}
+
+const Schema& NamedElement::StaticSchema() {
+    static const Schema schema = SchemaBuilder("", "NamedElement", &Element::StaticSchema())
+                                     .Attribute<&NamedElement::m_name>("name", "\"\"")
+                                     .Build();
+    return schema;
+}
+
+void NamedElement::SetName(const std::string& name) {
+    if (name == m_name) return;
+    m_name = name;
+    BumpNameGeneration();
+}
+
+}  // namespace Ruvex

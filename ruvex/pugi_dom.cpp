@@ -1,0 +1,360 @@
+#include "pugi_dom.h"
+
+#include <orvia/ruvex/schema.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <typeinfo>
+
+namespace Ruvex::detail {
+
+namespace {
+
+bool SameName(const pugi::char_t* a, std::string_view b) {
+    size_t n = b.size();
+    return std::strncmp(a, b.data(), n) == 0 && a[n] == '\0';
+}
+
+std::string Describe(const IDOMElement* element) {
+    if (!element) return "the document";
+    return "<" + std::string(element->GetTagName()) + ">";
+}
+
+template <class T>
+AttributeStatus ParseAs(std::string_view text, T& value) {
+    if constexpr (std::is_same_v<T, double>)
+        return ParseDouble(text, value);
+    else if constexpr (std::is_same_v<T, bool>)
+        return ParseBool(text, value);
+    else
+        return ParseInteger(text, value);
+}
+
+template <class T>
+const char* Expected() {
+    if constexpr (std::is_same_v<T, double>)
+        return "a finite number";
+    else if constexpr (std::is_same_v<T, bool>)
+        return "true or false";
+    else if constexpr (std::is_signed_v<T>)
+        return "an integer";
+    else
+        return "a non-negative integer";
+}
+
+}  // namespace
+
+// ---- PugiNode
+// ---------------------------------------------------------------------------------------------------
+
+pugi::xml_attribute PugiNode::FindAttribute(std::string_view name) const {
+    for (pugi::xml_attribute a = m_node.first_attribute(); a; a = a.next_attribute())
+        if (SameName(a.name(), name)) return a;
+    return {};
+}
+
+pugi::xml_attribute PugiNode::GetOrAddAttribute(std::string_view name) {
+    if (pugi::xml_attribute a = FindAttribute(name)) return a;
+    return m_node.append_attribute(std::string(name).c_str());
+}
+
+bool PugiNode::HasAttribute(std::string_view name) const {
+    return !FindAttribute(name).empty();
+}
+
+template <class T>
+AttributeStatus PugiNode::ReadTyped(std::string_view name, T& value) const {
+    pugi::xml_attribute a = FindAttribute(name);
+    if (!a) return AttributeStatus::Absent;
+    AttributeStatus status = ParseAs(std::string_view(a.value()), value);
+    if (status == AttributeStatus::Malformed)
+        m_document->ReportProblem(this, "attribute \"" + std::string(name) + "\" of " + Describe(this) +
+                                            ": expected " + Expected<T>() + ", found \"" + a.value() + "\"");
+    return status;
+}
+
+AttributeStatus PugiNode::ReadAttribute(std::string_view name, std::string& value) const {
+    pugi::xml_attribute a = FindAttribute(name);
+    if (!a) return AttributeStatus::Absent;
+    return Codec<std::string>::Read(a.value(), value);
+}
+AttributeStatus PugiNode::ReadAttribute(std::string_view name, bool& value) const {
+    return ReadTyped(name, value);
+}
+AttributeStatus PugiNode::ReadAttribute(std::string_view name, int32_t& value) const {
+    return ReadTyped(name, value);
+}
+AttributeStatus PugiNode::ReadAttribute(std::string_view name, uint32_t& value) const {
+    return ReadTyped(name, value);
+}
+AttributeStatus PugiNode::ReadAttribute(std::string_view name, int64_t& value) const {
+    return ReadTyped(name, value);
+}
+AttributeStatus PugiNode::ReadAttribute(std::string_view name, uint64_t& value) const {
+    return ReadTyped(name, value);
+}
+AttributeStatus PugiNode::ReadAttribute(std::string_view name, double& value) const {
+    return ReadTyped(name, value);
+}
+
+void PugiNode::VisitAttributes(void* context,
+                               void (*visit)(void*, std::string_view, std::string_view)) const {
+    for (pugi::xml_attribute a = m_node.first_attribute(); a; a = a.next_attribute())
+        visit(context, a.name(), a.value());
+}
+
+void PugiNode::SetRawAttribute(std::string_view name, std::string_view value) {
+    GetOrAddAttribute(name).set_value(value.data(), value.size());
+}
+void PugiNode::SetAttribute(std::string_view name, std::string_view value) {
+    FormatBuffer buffer;
+    std::string text(value);
+    SetRawAttribute(name, Codec<std::string>::Format(text, buffer));
+}
+void PugiNode::SetAttribute(std::string_view name, bool value) {
+    SetRawAttribute(name, value ? "true" : "false");
+}
+void PugiNode::SetAttribute(std::string_view name, int32_t value) {
+    FormatBuffer buffer;
+    SetRawAttribute(name, FormatInteger(value, buffer));
+}
+void PugiNode::SetAttribute(std::string_view name, uint32_t value) {
+    FormatBuffer buffer;
+    SetRawAttribute(name, FormatInteger(value, buffer));
+}
+void PugiNode::SetAttribute(std::string_view name, int64_t value) {
+    FormatBuffer buffer;
+    SetRawAttribute(name, FormatInteger(value, buffer));
+}
+void PugiNode::SetAttribute(std::string_view name, uint64_t value) {
+    FormatBuffer buffer;
+    SetRawAttribute(name, FormatInteger(value, buffer));
+}
+void PugiNode::SetAttribute(std::string_view name, double value) {
+    if (!std::isfinite(value))
+        m_document->ReportProblem(
+            this, "attribute \"" + std::string(name) + "\" of " + Describe(this) + " is not a finite number");
+    FormatBuffer buffer;
+    SetRawAttribute(name, FormatDouble(value, buffer));
+}
+
+IDOMElement* PugiNode::GetFirstChild() const {
+    for (pugi::xml_node n = m_node.first_child(); n; n = n.next_sibling())
+        if (n.type() == pugi::node_element) return m_document->Wrap(n);
+    return nullptr;
+}
+IDOMElement* PugiNode::GetNextSibling() const {
+    for (pugi::xml_node n = m_node.next_sibling(); n; n = n.next_sibling())
+        if (n.type() == pugi::node_element) return m_document->Wrap(n);
+    return nullptr;
+}
+size_t PugiNode::GetChildCount() const {
+    size_t count = 0;
+    for (pugi::xml_node n = m_node.first_child(); n; n = n.next_sibling())
+        count += n.type() == pugi::node_element;
+    return count;
+}
+IDOMElement* PugiNode::GetFirstNode() const {
+    pugi::xml_node n = m_node.first_child();
+    return n ? m_document->Wrap(n) : nullptr;
+}
+IDOMElement* PugiNode::GetNextNode() const {
+    pugi::xml_node n = m_node.next_sibling();
+    return n ? m_document->Wrap(n) : nullptr;
+}
+NodeKind PugiNode::GetNodeKind() const {
+    switch (m_node.type()) {
+        case pugi::node_element:
+            return NodeKind::Element;
+        case pugi::node_pcdata:
+            return NodeKind::Text;
+        case pugi::node_cdata:
+            return NodeKind::CData;
+        case pugi::node_comment:
+            return NodeKind::Comment;
+        case pugi::node_pi:
+            return NodeKind::ProcessingInstruction;
+        default:
+            return NodeKind::Other;
+    }
+}
+std::string_view PugiNode::GetValue() const {
+    if (m_node.type() == pugi::node_element) return m_node.child_value();
+    return m_node.value();
+}
+
+void PugiNode::AppendChild(IDOMElement* child) {
+    if (!child) return;
+    m_node.append_move(static_cast<PugiNode*>(child)->m_node);
+}
+
+void PugiNode::AppendNode(NodeKind kind, std::string_view name, std::string_view value) {
+    pugi::xml_node_type type = pugi::node_pcdata;
+    switch (kind) {
+        case NodeKind::CData:
+            type = pugi::node_cdata;
+            break;
+        case NodeKind::Comment:
+            type = pugi::node_comment;
+            break;
+        case NodeKind::ProcessingInstruction:
+            type = pugi::node_pi;
+            break;
+        case NodeKind::Element:
+            type = pugi::node_element;
+            break;
+        default:
+            break;
+    }
+    pugi::xml_node n = m_node.append_child(type);
+    if (type == pugi::node_pi || type == pugi::node_element) n.set_name(std::string(name).c_str());
+    if (type != pugi::node_element) n.set_value(std::string(value).c_str());
+}
+
+size_t PugiNode::GetLine() const {
+    return m_document->LineColumn(m_node.offset_debug()).first;
+}
+size_t PugiNode::GetColumn() const {
+    return m_document->LineColumn(m_node.offset_debug()).second;
+}
+
+// ---- PugiDocument
+// -----------------------------------------------------------------------------------------------
+
+PugiDocument::PugiDocument(std::string fileName)
+    : m_fileName(std::move(fileName)), m_version(kCurrentVersion) {}
+
+IDOMElement* PugiDocument::CreateElement(std::string_view tag) {
+    if (!m_scratch) m_scratch = m_doc.append_child("scratch");
+    pugi::xml_node n = m_scratch.append_child(std::string(tag).c_str());
+    return Wrap(n);
+}
+
+PugiNode* PugiDocument::Wrap(pugi::xml_node node) {
+    return &m_wrappers.emplace_back(node, this);
+}
+
+void PugiDocument::ReportProblem(const IDOMElement* where, std::string message) {
+    Problem problem;
+    problem.file = m_fileName;
+    if (where) {
+        problem.line = where->GetLine();
+        problem.column = where->GetColumn();
+    }
+    problem.message = std::move(message);
+    m_problems.push_back(std::move(problem));
+}
+
+void PugiDocument::ReportAt(ptrdiff_t offset, std::string message) {
+    auto [line, column] = LineColumn(offset);
+    m_problems.push_back(Problem{m_fileName, line, column, std::move(message)});
+}
+
+bool PugiDocument::Parse(std::string text) {
+    m_text = std::move(text);
+    // Line starts are taken before parsing: pugixml parses in place and overwrites some characters.
+    m_lineStarts.clear();
+    m_lineStarts.push_back(0);
+    for (const char* p = m_text.data();
+         (p = static_cast<const char*>(
+              std::memchr(p, '\n', static_cast<size_t>(m_text.data() + m_text.size() - p)))) != nullptr;
+         ++p)
+        m_lineStarts.push_back(static_cast<size_t>(p - m_text.data()) + 1);
+
+    pugi::xml_encoding encoding = pugi::encoding_auto;
+    std::string_view head(m_text.data(), std::min<size_t>(m_text.size(), 200));
+    if (head.substr(0, 5) == "<?xml") {
+        std::string lowered(head.substr(0, head.find("?>")));
+        std::transform(lowered.begin(), lowered.end(), lowered.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        if (lowered.find("iso-8859-1") != std::string::npos || lowered.find("latin1") != std::string::npos ||
+            lowered.find("latin-1") != std::string::npos) {
+            encoding = pugi::encoding_latin1;
+            m_latin1File = true;
+        }
+    }
+    pugi::xml_parse_result result =
+        m_doc.load_buffer_inplace(m_text.data(), m_text.size(), pugi::parse_full, encoding);
+    if (!result) {
+        ReportAt(result.offset, std::string("the document is not well-formed XML: ") + result.description());
+        return false;
+    }
+    return true;
+}
+
+std::pair<size_t, size_t> PugiDocument::LineColumn(ptrdiff_t offset) const {
+    if (offset < 0 || m_lineStarts.empty()) return {0, 0};
+    auto u = static_cast<size_t>(offset);
+    auto it = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), u);
+    size_t line = static_cast<size_t>(it - m_lineStarts.begin());
+    return {line, u - m_lineStarts[line - 1] + 1};
+}
+
+void MergePreservedNodes(PugiDocument& document, pugi::xml_node node,
+                         const std::vector<PreservedNode>& nodes) {
+    if (nodes.empty()) return;
+    std::vector<pugi::xml_node> elements;
+    for (pugi::xml_node n = node.first_child(); n; n = n.next_sibling())
+        if (n.type() == pugi::node_element) elements.push_back(n);
+    for (const PreservedNode& p : nodes) {
+        pugi::xml_node before = p.anchor < elements.size() ? elements[p.anchor] : pugi::xml_node();
+        if (p.kind == NodeKind::Element) {
+            if (!p.element) continue;
+            auto* built = static_cast<PugiNode*>(p.element->BuildXMLElement(&document));
+            if (!built) continue;
+            if (before)
+                node.insert_move_before(built->node(), before);
+            else
+                node.append_move(built->node());
+            continue;
+        }
+        pugi::xml_node_type type = pugi::node_pcdata;
+        switch (p.kind) {
+            case NodeKind::CData:
+                type = pugi::node_cdata;
+                break;
+            case NodeKind::Comment:
+                type = pugi::node_comment;
+                break;
+            case NodeKind::ProcessingInstruction:
+                type = pugi::node_pi;
+                break;
+            default:
+                break;
+        }
+        pugi::xml_node added = before ? node.insert_child_before(type, before) : node.append_child(type);
+        if (type == pugi::node_pi) added.set_name(p.name.c_str());
+        added.set_value(p.value.c_str());
+    }
+}
+
+void PugiDocument::ApplyDeferred() {
+    // Building a preserved element may defer more: walk by index while the list grows.
+    for (size_t i = 0; i < m_deferred.size(); ++i) {
+        auto [node, content] = m_deferred[i];
+        MergePreservedNodes(*this, node, content->nodes);
+    }
+    m_deferred.clear();
+    if (m_scratch) {
+        m_doc.remove_child(m_scratch);
+        m_scratch = pugi::xml_node();
+    }
+}
+
+void ForEachNode(IDOMElement* element, void* context, void (*visit)(void*, IDOMElement*)) {
+    if (typeid(*element) == typeid(PugiNode)) {
+        auto* self = static_cast<PugiNode*>(element);
+        for (pugi::xml_node n = self->node().first_child(); n; n = n.next_sibling()) {
+            PugiNode child(n, self->document());
+            visit(context, &child);
+        }
+        return;
+    }
+    for (IDOMElement* n = element->GetFirstNode(); n; n = n->GetNextNode())
+        visit(context, n);
+}
+
+}  // namespace Ruvex::detail

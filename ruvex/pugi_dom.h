@@ -1,0 +1,120 @@
+#pragma once
+
+// The DOM over pugixml: the only implementation of IDOMElement / IDOMParser.
+
+#include <orvia/ruvex/element.h>
+#include <orvia/ruvex/factory.h>
+
+#include <pugixml.hpp>
+
+#include <deque>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Ruvex::detail {
+
+class PugiDocument;
+
+class PugiNode final : public IDOMElement {
+public:
+    PugiNode(pugi::xml_node node, PugiDocument* document) : m_node(node), m_document(document) {}
+
+    std::string_view GetTagName() const override { return m_node.name(); }
+    bool HasAttribute(std::string_view name) const override;
+    AttributeStatus ReadAttribute(std::string_view name, std::string& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, bool& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, int32_t& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, uint32_t& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, int64_t& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, uint64_t& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, double& value) const override;
+    void VisitAttributes(void* context,
+                         void (*visit)(void*, std::string_view, std::string_view)) const override;
+
+    using IDOMElement::SetAttribute;
+    void SetAttribute(std::string_view name, std::string_view value) override;
+    void SetAttribute(std::string_view name, bool value) override;
+    void SetAttribute(std::string_view name, int32_t value) override;
+    void SetAttribute(std::string_view name, uint32_t value) override;
+    void SetAttribute(std::string_view name, int64_t value) override;
+    void SetAttribute(std::string_view name, uint64_t value) override;
+    void SetAttribute(std::string_view name, double value) override;
+    void SetRawAttribute(std::string_view name, std::string_view value) override;
+
+    IDOMElement* GetFirstChild() const override;
+    IDOMElement* GetNextSibling() const override;
+    size_t GetChildCount() const override;
+    IDOMElement* GetFirstNode() const override;
+    IDOMElement* GetNextNode() const override;
+    NodeKind GetNodeKind() const override;
+    std::string_view GetValue() const override;
+
+    void AppendChild(IDOMElement* child) override;
+    void AppendNode(NodeKind kind, std::string_view name, std::string_view value) override;
+
+    size_t GetLine() const override;
+    size_t GetColumn() const override;
+
+    pugi::xml_node node() const { return m_node; }
+    PugiDocument* document() const { return m_document; }
+
+private:
+    template <class T>
+    AttributeStatus ReadTyped(std::string_view name, T& value) const;
+    pugi::xml_attribute FindAttribute(std::string_view name) const;
+    pugi::xml_attribute GetOrAddAttribute(std::string_view name);
+
+    pugi::xml_node m_node;
+    PugiDocument* m_document;
+};
+
+class PugiDocument final : public IDOMParser {
+public:
+    explicit PugiDocument(std::string fileName);
+
+    IDOMElement* CreateElement(std::string_view tag) override;
+    uint32_t GetVersion() const override { return m_version; }
+    void ReportProblem(const IDOMElement* where, std::string message) override;
+
+    // Reading. `text` is kept (pugixml parses it in place). False when it is not well-formed.
+    bool Parse(std::string text);
+    void SetVersion(uint32_t version) { m_version = version; }
+    PugiNode* Wrap(pugi::xml_node node);
+    std::pair<size_t, size_t> LineColumn(ptrdiff_t offset) const;
+    void ReportAt(ptrdiff_t offset, std::string message);
+
+    // Writing: preserved content is put back once the whole tree is built, so that the children a runtime
+    // class appends after the generic part count too.
+    void Defer(pugi::xml_node node, const PreservedContent* content) {
+        m_deferred.emplace_back(node, content);
+    }
+    void ApplyDeferred();
+
+    pugi::xml_document& doc() { return m_doc; }
+    const std::string& fileName() const { return m_fileName; }
+    std::vector<Problem>& problems() { return m_problems; }
+    bool latin1File() const { return m_latin1File; }
+    void setLatin1File(bool latin1) { m_latin1File = latin1; }
+
+private:
+    std::string m_fileName;
+    std::string m_text;
+    mutable std::vector<size_t> m_lineStarts;
+    pugi::xml_document m_doc;
+    pugi::xml_node m_scratch;
+    uint32_t m_version;
+    bool m_latin1File = false;
+    std::deque<PugiNode> m_wrappers;
+    std::vector<Problem> m_problems;
+    std::vector<std::pair<pugi::xml_node, const PreservedContent*>> m_deferred;
+};
+
+// Walks the child nodes of `element` without allocating a wrapper per node when it is one of ours.
+void ForEachNode(IDOMElement* element, void* context, void (*visit)(void* context, IDOMElement* node));
+
+// Inserts preserved nodes among the element children of `node` at their anchors.
+void MergePreservedNodes(PugiDocument& document, pugi::xml_node node,
+                         const std::vector<PreservedNode>& nodes);
+
+}  // namespace Ruvex::detail
