@@ -40,7 +40,7 @@ bench: deps
 	./tools/run-bench.sh build/release/bench
 
 docs: build
-	./build/dev/tools/format-doc/orvia-format-doc > docs/format.md
+	./build/dev/tools/format-doc/orvia-format-doc > docs/format.md.new && mv docs/format.md.new docs/format.md
 	@echo "docs/format.md regenerated"
 
 format:
