@@ -17,5 +17,6 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/OrviaConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/OrviaConfig.cmake ${PROJECT_BINARY_DIR}/OrviaConfigVersion.cmake
     DESTINATION ${ORVIA_CMAKE_DIR})
 
+file(RELATIVE_PATH ORVIA_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvia.pc.in ${PROJECT_BINARY_DIR}/orvia.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orvia.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
