@@ -1,0 +1,22 @@
+#pragma once
+
+// Reading of elements written by older format versions into the records that the current layout fills.
+
+#include <orvia/ruvex/dom.h>
+#include <orvia/ruvex/elements/curves.h>
+
+namespace QorOldData {
+
+class DataConverter {
+public:
+    // A <ClothoArc> of a document older than 2.3.0, whose layout is the current one: read by the record's own
+    // reader (never the runtime override). False for null arguments or a malformed attribute (reported to the
+    // parser).
+    static bool LoadClothoArc(Ruvex::ClothoidArcElement* record, Ruvex::IDOMElement* element,
+                              Ruvex::IDOMParser* parser);
+    // A <PolyLine> of a document older than 2.3.0; same contract as LoadClothoArc.
+    static bool LoadPolyLine(Ruvex::PolyLineElement* record, Ruvex::IDOMElement* element,
+                             Ruvex::IDOMParser* parser);
+};
+
+}  // namespace QorOldData
