@@ -1,8 +1,11 @@
 // Every data class, by tag: what the base factory creates and what the format reference lists.
 
 #include <orvia/ruvex/elements/curves.h>
+#include <orvia/ruvex/elements/ground.h>
+#include <orvia/ruvex/elements/misc.h>
 #include <orvia/ruvex/elements/network.h>
 #include <orvia/ruvex/elements/subnetwork.h>
+#include <orvia/ruvex/elements/traffic.h>
 #include <orvia/ruvex/schema.h>
 
 namespace Ruvex {
@@ -29,6 +32,19 @@ constexpr char kExternalSurface[] = "ExternalSurface";
 constexpr char kExternalTerrain[] = "ExternalTerrain";
 constexpr char kExternalPhysicSurface[] = "ExternalPhysicSurface";
 constexpr char kProxyFile[] = "ProxyFile";
+constexpr char kPoint2x2D[] = "Point2x2D";
+constexpr char kScale2x2DPoints[] = "Scale2x2DPoints";
+constexpr char kOffset2x2DPoints[] = "Offset2x2DPoints";
+constexpr char kDiffuse[] = "Diffuse";
+constexpr char kAmbient[] = "Ambient";
+constexpr char kSpecular[] = "Specular";
+constexpr char kEmissive[] = "Emissive";
+constexpr char kBump[] = "Bump";
+constexpr char kOpacity[] = "Opacity";
+constexpr char kReflection[] = "Reflection";
+constexpr char kShininess[] = "Shininess";
+constexpr char kVersion[] = "Version";
+constexpr char kQorVersion[] = "QorVersion";
 
 }  // namespace
 
@@ -59,6 +75,56 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<RoadElement>("Road"),
         Plain<SubNetworkElement>("SubNetwork"),
         Plain<NetworkElement>("Network"),
+        Plain<LanePairElement>("LanePair"),
+        Plain<LinkElement>("Link"),
+        Plain<TimerElement>("Timer"),
+        Plain<LightElement>("Light"),
+        Plain<TrafficLightStateElement>("TrafficLightState"),
+        Plain<TrafficLightAnimationElement>("TrafficLightAnimation"),
+        Plain<TrafficLightGroupElement>("TrafficLightGroup"),
+        Plain<VehicleTypeElement>("VehicleType"),
+        Plain<RoadSignElement>("RoadSign"),
+        Plain<ObstacleElement>("Obstacle"),
+        Tagged<Point2x2DElement, kPoint2x2D>(),
+        Tagged<Point2x2DElement, kScale2x2DPoints>(),
+        Tagged<Point2x2DElement, kOffset2x2DPoints>(),
+        Plain<RoughnessAnalyticElement>("RoughnessAnalytic"),
+        Plain<RoughnessElement>("Roughness"),
+        Plain<TerraMecanicsModelElement>("TerraMecanicsModel"),
+        Plain<FunctionalModelElement>("FunctionalModel"),
+        Plain<SoftGroundPropertiesElement>("SoftGroundProperties"),
+        Plain<GroundElement>("Ground"),
+        Tagged<MaterialChanelElement, kDiffuse>(),
+        Tagged<MaterialChanelElement, kAmbient>(),
+        Tagged<MaterialChanelElement, kSpecular>(),
+        Tagged<MaterialChanelElement, kEmissive>(),
+        Tagged<MaterialChanelElement, kBump>(),
+        Tagged<MaterialChanelElement, kOpacity>(),
+        Tagged<MaterialChanelElement, kReflection>(),
+        Tagged<MaterialChanelElement, kShininess>(),
+        Plain<AreaElement>("Area"),
+        Plain<ConcentricZoneElement>("ConcentricZone"),
+        Plain<ParkingLotElement>("ParkingLot"),
+        Plain<ParkingSpotSkinElement>("ParkingSpotSkin"),
+        Plain<ParkingSpotElement>("ParkingSpot"),
+        Plain<ExternalEntityElement>("ExternalEntity"),
+        Plain<EntitiesGenerationElement>("EntitiesGeneration"),
+        Plain<TrajectoryPartElement>("TrajectoryPart"),
+        Plain<TrajectoryPieceElement>("TrajectoryElement"),
+        Plain<TrajectoryElement>("Trajectory"),
+        Plain<LinearElement>("Linear"),
+        Plain<ScaleElement>("Scale"),
+        Plain<CompositeObjectElement>("CompositeObject"),
+        Plain<SurfaceModifierElement>("SurfaceModifier"),
+        Plain<RollingSurfacePropsElement>("RollingSurfaceProps"),
+        Plain<Export3DLayersElement>("Export3DLayers"),
+        Plain<Generate3DRoadsElement>("Generate3DRoads"),
+        Plain<SolExportOptionsElement>("SolExportOptions"),
+        Plain<PedestrianNetworkElement>("PedestrianNetwork"),
+        Plain<LegacyElement>("Legacy"),
+        Plain<LegacySZCurveElement>("LegacySZCurve"),
+        Tagged<VersionElement, kVersion>(),
+        Tagged<VersionElement, kQorVersion>(),
     };
     return classes;
 }

@@ -487,7 +487,7 @@ private:
     Class::Class(const ::Ruvex::Schema* schema) : Base(schema) {}                                           \
     Class::~Class() = default;                                                                              \
     const ::Ruvex::Schema& Class::StaticSchema() {                                                          \
-        using Self = Class;                                                                                 \
+        using Self [[maybe_unused]] = Class; /* a table may be empty */                                     \
         static const ::Ruvex::Schema schema =                                                               \
             ::Ruvex::SchemaBuilder(tag, #Class, &Base::StaticSchema()) TABLE(RUVEX_DISPATCH_ENTRY).Build(); \
         return schema;                                                                                      \

@@ -5,6 +5,8 @@
 
 #include <orvia/ruvex/schema.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -39,11 +41,44 @@ class GeolocalisationElement : public Element {
     RUVEX_FIELDS(GeolocalisationElement, Element, RUVEX_GEOLOCALISATION_TABLE)
 };
 
-#define RUVEX_MATERIAL_TABLE(F) F(ATTR, std::string, FilePath, "filePath", "")
+// One channel of a material: a colour (components in [0, 1], alpha 1 opaque) and an optional texture file.
+// Saved under the tag it was created with: "Diffuse", "Ambient", "Specular", "Emissive", "Bump", "Opacity",
+// "Reflection", "Shininess".
+#define RUVEX_MATERIAL_CHANEL_TABLE(F)   \
+    F(ATTR, float, Red, "red", 1.0f)     \
+    F(ATTR, float, Green, "green", 1.0f) \
+    F(ATTR, float, Blue, "blue", 1.0f)   \
+    F(ATTR, float, Alpha, "alpha", 1.0f) \
+    F(ATTR, std::string, FilePath, "filePath", "")
 
-// A named material; its channels and colours are declared with the surface data.
+class MaterialChanelElement : public Element {
+    RUVEX_FIELDS(MaterialChanelElement, Element, RUVEX_MATERIAL_CHANEL_TABLE)
+    RUVEX_TAGGED(MaterialChanelElement)
+};
+
+// A named material: its texture file, specular exponent (>= 0), transparency (0 opaque .. 1 invisible) and
+// eight optional channels, in this stored order.
+#define RUVEX_MATERIAL_TABLE(F)                               \
+    F(ATTR, std::string, FilePath, "filePath", "")            \
+    F(ATTR, float, Shininess, "shininess", 0.0f)              \
+    F(ATTR, float, Transparency, "transparency", 0.0f)        \
+    F(CHILD, MaterialChanelElement, Diffuse, "Diffuse")       \
+    F(CHILD, MaterialChanelElement, Ambient, "Ambient")       \
+    F(CHILD, MaterialChanelElement, Specular, "Specular")     \
+    F(CHILD, MaterialChanelElement, Emissive, "Emissive")     \
+    F(CHILD, MaterialChanelElement, Bump, "Bump")             \
+    F(CHILD, MaterialChanelElement, Opacity, "Opacity")       \
+    F(CHILD, MaterialChanelElement, Reflection, "Reflection") \
+    F(CHILD, MaterialChanelElement, ShininessChanel, "Shininess")
+
 class MaterialElement : public NamedElement {
     RUVEX_FIELDS(MaterialElement, NamedElement, RUVEX_MATERIAL_TABLE)
+
+public:
+    static constexpr size_t kChanelCount = 8;
+    // The channels in their stored order (Diffuse, Ambient, Specular, Emissive, Bump, Opacity, Reflection,
+    // Shininess); absent ones are null.
+    std::array<MaterialChanelElement*, kChanelCount> GetChanels() const;
 };
 
 #define RUVEX_GENERATED_TERRAIN_MATERIAL_TABLE(F) F(CHILD, MaterialElement, Material, "Material")
