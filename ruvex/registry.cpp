@@ -4,6 +4,8 @@
 #include <orvia/ruvex/elements/ground.h>
 #include <orvia/ruvex/elements/misc.h>
 #include <orvia/ruvex/elements/network.h>
+#include <orvia/ruvex/elements/portion.h>
+#include <orvia/ruvex/elements/profile.h>
 #include <orvia/ruvex/elements/subnetwork.h>
 #include <orvia/ruvex/elements/traffic.h>
 #include <orvia/ruvex/schema.h>
@@ -75,6 +77,18 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<RoadElement>("Road"),
         Plain<SubNetworkElement>("SubNetwork"),
         Plain<NetworkElement>("Network"),
+        Plain<UVMappingElement>("UVMapping"),
+        Plain<MarkingElement>("Marking"),
+        Plain<DecorationElement>("Decoration"),
+        Plain<LaneBorderElement>("LaneBorder"),
+        Plain<LaneElement>("Lane"),
+        Plain<ProfileElement>("Profile"),
+        Plain<ProfileStandaloneElement>("ProfileStandalone"),
+        Plain<MarkingStandaloneElement>("MarkingStandalone"),
+        Plain<BorderOffsetElement>("BorderOffset"),
+        Plain<BorderModifierElement>("BorderModifier"),
+        Plain<ProfileModifierElement>("ProfileModifier"),
+        Plain<PortionElement>("Portion"),
         Plain<LanePairElement>("LanePair"),
         Plain<LinkElement>("Link"),
         Plain<TimerElement>("Timer"),
