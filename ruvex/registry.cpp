@@ -1,5 +1,6 @@
 // Every data class, by tag: what the base factory creates and what the format reference lists.
 
+#include <orvia/ruvex/elements/clipped.h>
 #include <orvia/ruvex/elements/curves.h>
 #include <orvia/ruvex/elements/ground.h>
 #include <orvia/ruvex/elements/misc.h>
@@ -7,6 +8,7 @@
 #include <orvia/ruvex/elements/portion.h>
 #include <orvia/ruvex/elements/profile.h>
 #include <orvia/ruvex/elements/subnetwork.h>
+#include <orvia/ruvex/elements/track.h>
 #include <orvia/ruvex/elements/traffic.h>
 #include <orvia/ruvex/schema.h>
 
@@ -34,6 +36,8 @@ constexpr char kExternalSurface[] = "ExternalSurface";
 constexpr char kExternalTerrain[] = "ExternalTerrain";
 constexpr char kExternalPhysicSurface[] = "ExternalPhysicSurface";
 constexpr char kProxyFile[] = "ProxyFile";
+constexpr char kTrackClippedData[] = "TrackClippedData";
+constexpr char kClippedData[] = "ClippedData";
 constexpr char kPoint2x2D[] = "Point2x2D";
 constexpr char kScale2x2DPoints[] = "Scale2x2DPoints";
 constexpr char kOffset2x2DPoints[] = "Offset2x2DPoints";
@@ -89,6 +93,12 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<BorderModifierElement>("BorderModifier"),
         Plain<ProfileModifierElement>("ProfileModifier"),
         Plain<PortionElement>("Portion"),
+        Plain<TrackElement>("Track"),
+        Plain<TrackClipElement>("TrackClip"),
+        Plain<TrackScopeElement>("TrackScope"),
+        Tagged<TrackClippedDataElement, kTrackClippedData>(),
+        Tagged<TrackClippedDataElement, kClippedData>(),
+        Plain<MarkClippedDataElement>("MarkClippedData"),
         Plain<LanePairElement>("LanePair"),
         Plain<LinkElement>("Link"),
         Plain<TimerElement>("Timer"),
