@@ -9,7 +9,9 @@ RUVEX_SCHEMA(MaterialElement, NamedElement, "Material", RUVEX_MATERIAL_TABLE)
 RUVEX_SCHEMA(GeneratedTerrainMaterialElement, Element, "GeneratedTerrainMaterial",
              RUVEX_GENERATED_TERRAIN_MATERIAL_TABLE)
 RUVEX_SCHEMA(SubNetworkExitElement, Element, "SubNetworkExit", RUVEX_SUB_NETWORK_EXIT_TABLE)
-RUVEX_SCHEMA(SubNetworkJunctionElement, NamedElement, "SubNetworkJunction", RUVEX_SUB_NETWORK_JUNCTION_TABLE)
+RUVEX_SCHEMA(TrackConnectorElement, NamedElement, "TrackConnector", RUVEX_TRACK_CONNECTOR_TABLE)
+RUVEX_SCHEMA(SubNetworkJunctionElement, TrackConnectorElement, "SubNetworkJunction",
+             RUVEX_SUB_NETWORK_JUNCTION_TABLE)
 RUVEX_SCHEMA(RoadPieceElement, Element, "RoadElement", RUVEX_ROAD_PIECE_TABLE)
 RUVEX_SCHEMA(RoadElement, NamedElement, "Road", RUVEX_ROAD_TABLE)
 RUVEX_SCHEMA(NetworkElement, NamedElement, "Network", RUVEX_NETWORK_TABLE)

@@ -3,6 +3,7 @@
 #include <orvia/ruvex/elements/clipped.h>
 #include <orvia/ruvex/elements/curves.h>
 #include <orvia/ruvex/elements/ground.h>
+#include <orvia/ruvex/elements/intersection.h>
 #include <orvia/ruvex/elements/misc.h>
 #include <orvia/ruvex/elements/network.h>
 #include <orvia/ruvex/elements/portion.h>
@@ -99,6 +100,8 @@ const std::vector<DataClassInfo>& DataClasses() {
         Tagged<TrackClippedDataElement, kTrackClippedData>(),
         Tagged<TrackClippedDataElement, kClippedData>(),
         Plain<MarkClippedDataElement>("MarkClippedData"),
+        Plain<ContourPieceElement>("ContourPiece"),
+        Plain<IntersectionElement>("Intersection"),
         Plain<LanePairElement>("LanePair"),
         Plain<LinkElement>("Link"),
         Plain<TimerElement>("Timer"),

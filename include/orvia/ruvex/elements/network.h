@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace Ruvex {
 
@@ -97,12 +98,29 @@ class SubNetworkExitElement : public Element {
     RUVEX_FIELDS(SubNetworkExitElement, Element, RUVEX_SUB_NETWORK_EXIT_TABLE)
 };
 
-#define RUVEX_SUB_NETWORK_JUNCTION_TABLE(F)        \
-    F(XYZ, Position, "x", "y", "z", 0.0, 0.0, 0.0) \
-    F(LIST, SubNetworkExitElement, Exits, "SubNetworkExit")
+// What every node that track extremities meet at keeps: its position (metres), altitude (the default
+// elevation of the tracks ending there), its outline and how its surface is dressed. The outline is a planar
+// polygon; contourInterpolations holds, per stretch from point i to point i + 1, 1 for a spline and 0 for a
+// straight line. Material and ground are named; the texture heading is in radians.
+#define RUVEX_TRACK_CONNECTOR_TABLE(F)                                               \
+    F(XYZ, Position, "x", "y", "z", 0.0, 0.0, 0.0)                                   \
+    F(ATTR, double, Altitude, "altitude", 0.0)                                       \
+    F(ATTR, std::vector<::vek::Vector2>, ContourPoints, "contourPoints", {})         \
+    F(ATTR, std::vector<double>, ContourInterpolations, "contourInterpolations", {}) \
+    F(ATTR, std::string, MaterialName, "material", "")                               \
+    F(ATTR, std::string, GroundName, "groundName", "")                               \
+    F(XY, ConnectorUVScale, "uVScaleX", "uVScaleY", 1.0, 1.0)                        \
+    F(XY, ConnectorUVOffset, "uVOffsetX", "uVOffsetY", 0.0, 0.0)                     \
+    F(ATTR, double, ConnectorUVHeading, "uVHeading", 0.0)
 
-class SubNetworkJunctionElement : public NamedElement {
-    RUVEX_FIELDS(SubNetworkJunctionElement, NamedElement, RUVEX_SUB_NETWORK_JUNCTION_TABLE)
+class TrackConnectorElement : public NamedElement {
+    RUVEX_FIELDS(TrackConnectorElement, NamedElement, RUVEX_TRACK_CONNECTOR_TABLE)
+};
+
+#define RUVEX_SUB_NETWORK_JUNCTION_TABLE(F) F(LIST, SubNetworkExitElement, Exits, "SubNetworkExit")
+
+class SubNetworkJunctionElement : public TrackConnectorElement {
+    RUVEX_FIELDS(SubNetworkJunctionElement, TrackConnectorElement, RUVEX_SUB_NETWORK_JUNCTION_TABLE)
 };
 
 // A piece of a road: a track of a sub-network, run along or against the track's direction.
