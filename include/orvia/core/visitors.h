@@ -1,0 +1,73 @@
+#pragma once
+
+// Walks over the file references of a model.
+
+#include <string>
+#include <vector>
+
+namespace Ruvex {
+class MaterialElement;
+}
+
+namespace Orvia {
+
+class ExternalElement;
+class Network;
+class SubNetwork;
+
+// Calls one overridable operation per file reference. Every operation accepts null and then does nothing.
+class OrviaVisitor {
+public:
+    // A material's own file.
+    virtual void Traverse(Ruvex::MaterialElement* material);
+    virtual void Traverse(ExternalElement* element);
+    // Around everything inside a sub-network.
+    virtual void Traverse(SubNetwork* subNetwork);
+    virtual void EndTraverse(SubNetwork* subNetwork);
+
+    // The network's global terrain, rolling surface and physical surface, the material of its generated
+    // terrain, its background images (ascending camera index), then each sub-network. Null is ignored.
+    void Apply(Network* network);
+    // Traverse(sub-network); its terrain, rolling surface, physical surface and proxy file; its materials;
+    // EndTraverse(sub-network). Null is ignored.
+    void Apply(SubNetwork* subNetwork);
+
+protected:
+    OrviaVisitor() = default;
+    OrviaVisitor(const OrviaVisitor&) = default;
+    OrviaVisitor& operator=(const OrviaVisitor&) = default;
+    ~OrviaVisitor() = default;
+};
+
+// Turns every path absolute or relative against an ordered list of search directories.
+class PathModeVisitor final : public OrviaVisitor {
+public:
+    enum ERelativePathMode { eAbsolute = 0, eRelative = 1 };
+
+    PathModeVisitor(ERelativePathMode mode, const std::vector<std::string>& searchPaths);
+
+    // When set, absolute paths are matched case-insensitively against the directories' contents.
+    bool isFixCase() const { return m_fixCase; }
+    void setFixCase(bool fixCase) { m_fixCase = fixCase; }
+    const std::vector<std::string>& GetSearchPaths() const { return m_searchPaths; }
+
+    using OrviaVisitor::Traverse;
+    void Traverse(Ruvex::MaterialElement* material) override;
+    void Traverse(ExternalElement* element) override;
+    // A sub-network with a proxy file: the proxy path is converted and its directory is searched first until
+    // EndTraverse.
+    void Traverse(SubNetwork* subNetwork) override;
+    void EndTraverse(SubNetwork* subNetwork) override;
+
+    // The converted path, normalised. Absolute: the first directory under which the file exists, else the
+    // last directory without test. Relative: the shortest path relative to one of the directories (the first
+    // on equal length). An empty path stays empty; without directories the path is only normalised.
+    std::string ApplyMode(const std::string& path) const;
+
+private:
+    ERelativePathMode m_mode;
+    std::vector<std::string> m_searchPaths;
+    bool m_fixCase = false;
+};
+
+}  // namespace Orvia

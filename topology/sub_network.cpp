@@ -1,0 +1,245 @@
+#include <orvia/topology/sub_network.h>
+
+#include <orvia/core/external_element.h>
+#include <orvia/core/network.h>
+#include <orvia/core/unique_name.h>
+#include <orvia/topology/intersection.h>
+#include <orvia/topology/track.h>
+
+#include <unordered_set>
+
+namespace Orvia {
+
+namespace {
+
+// Files of a tag that the factory leaves to the element layer arrive as plain records: give them the runtime
+// class, keeping everything they hold.
+void AdoptExternal(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot) {
+    if (!slot || dynamic_cast<ExternalElement*>(slot.Get())) return;
+    Ruvex::CountedPtr<ExternalElement> adopted(new ExternalElement(slot->GetTagName(), slot->GetFilePath()));
+    adopted->SetFlipped(slot->GetFlipped());
+    static_cast<Ruvex::Element&>(*adopted) = *slot;
+    slot = adopted.Get();
+}
+
+template <class List>
+void MakeListUnique(List& list) {
+    std::unordered_set<std::string> seen;
+    for (size_t i = 0; i < list.size(); ++i) {
+        auto* item = list[i].Get();
+        if (!item || item->GetName().empty()) continue;
+        if (seen.insert(item->GetName()).second) continue;
+        std::string fresh = GetUniqueName(item->GetName(), list);
+        item->SetName(fresh);
+        seen.insert(std::move(fresh));
+    }
+}
+
+// Renames each member of `incoming` whose name is taken in `list`, then appends it there.
+template <class List>
+void AppendRenamed(List& list, List& incoming) {
+    for (const auto& item : incoming) {
+        if (!item) continue;
+        if (list.contains(item->GetName())) item->SetName(GetUniqueName(item->GetName(), list));
+        list.push_back(item);
+    }
+    incoming.clear();
+}
+
+template <class T, class List>
+T* At(const List& list, size_t index) {
+    return index < list.size() ? dynamic_cast<T*>(list[index].Get()) : nullptr;
+}
+
+template <class T, class List>
+T* Named(const List& list, const std::string& name) {
+    size_t index = list.find(name);
+    return index == List::npos ? nullptr : dynamic_cast<T*>(list[index].Get());
+}
+
+}  // namespace
+
+SubNetwork::SubNetwork() = default;
+
+SubNetwork::SubNetwork(Network* network) : m_network(network) {}
+
+SubNetwork::~SubNetwork() = default;
+
+size_t SubNetwork::GetIndexInNetwork() const {
+    return m_network ? m_network->GetSubNetworkIndex(this) : npos;
+}
+
+void SubNetwork::SetPositionAndHeading(const vek::Vector3& position, double heading) {
+    m_Position = position;
+    m_Heading = heading;
+}
+
+vek::Transform SubNetwork::GetTransform() const {
+    return vek::Transform::fromPositionHeading(m_Position, m_Heading);
+}
+
+vek::Transform SubNetwork::GetInverseTransform() const {
+    return GetTransform().inverse();
+}
+
+// ---- Tracks
+
+Track* SubNetwork::GetTrack(size_t index) const {
+    return At<Track>(m_Tracks, index);
+}
+
+size_t SubNetwork::GetTrackIndex(const Track* track) const {
+    return m_Tracks.indexOf(static_cast<const Ruvex::TrackElement*>(track));
+}
+
+Track* SubNetwork::GetTrackByName(const std::string& name) const {
+    return Named<Track>(m_Tracks, name);
+}
+
+std::string SubNetwork::GetUniqueTrackName(const std::string& requested) const {
+    return GetUniqueName(requested, m_Tracks);
+}
+
+Track* SubNetwork::CreateTrack(const std::string& requested) {
+    Ruvex::CountedPtr<Track> track(new Track(this));
+    track->SetName(GetUniqueTrackName(requested));
+    m_Tracks.push_back(track);
+    return track.Get();
+}
+
+// ---- Intersections
+
+Intersection* SubNetwork::GetIntersectionByIndex(size_t index) const {
+    return At<Intersection>(m_Intersections, index);
+}
+
+size_t SubNetwork::GetIntersectionIndex(const Intersection* intersection) const {
+    return m_Intersections.indexOf(static_cast<const Ruvex::IntersectionElement*>(intersection));
+}
+
+Intersection* SubNetwork::GetIntersectionByName(const std::string& name) const {
+    return Named<Intersection>(m_Intersections, name);
+}
+
+std::string SubNetwork::GetUniqueIntersectionName(const std::string& requested) const {
+    return GetUniqueName(requested, m_Intersections);
+}
+
+Intersection* SubNetwork::CreateIntersection(const vek::Vector3& position, const std::string& requested) {
+    Ruvex::CountedPtr<Intersection> intersection(new Intersection(this));
+    intersection->SetPosition(position);
+    intersection->SetName(GetUniqueIntersectionName(requested));
+    m_Intersections.push_back(intersection);
+    return intersection.Get();
+}
+
+// ---- Files
+
+ExternalElement* SubNetwork::GetProxyFile() const {
+    return dynamic_cast<ExternalElement*>(m_ProxyFileElement.Get());
+}
+
+ExternalElement* SubNetwork::GetTerrain() const {
+    return dynamic_cast<ExternalElement*>(m_TerrainElement.Get());
+}
+
+ExternalElement* SubNetwork::GetRollingSurface() const {
+    return dynamic_cast<ExternalElement*>(m_RollingSurfaceElement.Get());
+}
+
+ExternalElement* SubNetwork::GetPhysicalSurface() const {
+    return dynamic_cast<ExternalElement*>(m_PhysicalSurfaceElement.Get());
+}
+
+bool SubNetwork::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    if (!SubNetworkElement::LoadFromXMLElement(element, parser)) return false;
+    AdoptExternal(m_ProxyFileElement);
+    AdoptExternal(m_TerrainElement);
+    AdoptExternal(m_RollingSurfaceElement);
+    AdoptExternal(m_PhysicalSurfaceElement);
+    return true;
+}
+
+// ---- Whole object
+
+void SubNetwork::MakeNamesUnique() {
+    MakeListUnique(m_Tracks);
+    MakeListUnique(m_JunctionTracks);
+    MakeListUnique(m_Intersections);
+    MakeListUnique(m_Profiles);
+    MakeListUnique(m_Markings);
+    MakeListUnique(m_Materials);
+}
+
+void SubNetwork::MergeWith(SubNetwork* other) {
+    if (!other || other == this) return;
+    // Intersections first: renaming one rewrites the track ends that name it, which must still be found in
+    // `other`.
+    for (const auto& item : other->m_Intersections)
+        if (auto* intersection = dynamic_cast<Intersection*>(item.Get()))
+            intersection->SetInSubNetwork(other);
+    for (const auto& item : other->m_Tracks)
+        if (auto* track = dynamic_cast<Track*>(item.Get())) track->SetSubNetwork(other);
+    AppendRenamed(m_Intersections, other->m_Intersections);
+
+    // Portions name their profiles: a renamed incoming profile is renamed in the incoming portions too.
+    for (const auto& profile : other->m_Profiles) {
+        if (!profile || !m_Profiles.contains(profile->GetName())) continue;
+        const std::string old = profile->GetName();
+        profile->SetName(GetUniqueName(old, m_Profiles));
+        for (const auto* list : {&other->m_Tracks, &other->m_JunctionTracks})
+            for (const auto& track : *list)
+                for (const auto& portion : track->GetPortions()) {
+                    if (portion->GetStartProfileName() == old)
+                        portion->SetStartProfileName(profile->GetName());
+                    if (portion->GetEndProfileName() == old) portion->SetEndProfileName(profile->GetName());
+                }
+    }
+    AppendRenamed(m_Profiles, other->m_Profiles);
+    AppendRenamed(m_Tracks, other->m_Tracks);
+    AppendRenamed(m_JunctionTracks, other->m_JunctionTracks);
+    AppendRenamed(m_Markings, other->m_Markings);
+    AppendRenamed(m_Materials, other->m_Materials);
+
+    for (const auto& item : m_Intersections)
+        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);
+    for (const auto* list : {&m_Tracks, &m_JunctionTracks})
+        for (const auto& item : *list)
+            if (auto* track = dynamic_cast<Track*>(item.Get())) track->SetSubNetwork(this);
+}
+
+void SubNetwork::PostLoad(Network* network, [[maybe_unused]] const std::vector<std::string>& searchPaths) {
+    m_network = network;
+    for (const auto& item : m_Intersections)
+        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);
+    for (const auto* list : {&m_Tracks, &m_JunctionTracks})
+        for (const auto& item : *list)
+            if (auto* track = dynamic_cast<Track*>(item.Get())) track->PostLoad(this);
+}
+
+vek::Box3 SubNetwork::BuildBoundingBox() const {
+    vek::Box3 box;
+    for (const auto& item : m_Tracks)
+        if (auto* track = dynamic_cast<const Track*>(item.Get())) box.add(track->GetBoundingBox());
+    for (const auto& intersection : m_Intersections)
+        if (intersection) box.add(intersection->GetPosition());
+    return box;
+}
+
+void SubNetwork::SymmetrizeRespectYAxis() {
+    for (const auto& intersection : m_Intersections) {
+        if (!intersection) continue;
+        vek::Vector3 position = intersection->GetPosition();
+        position.x = -position.x;
+        intersection->SetPosition(position);
+        std::vector<vek::Vector2> contour = intersection->GetContourPoints();
+        for (vek::Vector2& point : contour)
+            point.x = -point.x;
+        intersection->SetContourPoints(contour);
+    }
+    if (m_TerrainElement) m_TerrainElement->SetFlipped(!m_TerrainElement->GetFlipped());
+    if (m_PhysicalSurfaceElement)
+        m_PhysicalSurfaceElement->SetFlipped(!m_PhysicalSurfaceElement->GetFlipped());
+}
+
+}  // namespace Orvia
