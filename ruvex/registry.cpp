@@ -8,6 +8,7 @@
 #include <orvia/ruvex/elements/network.h>
 #include <orvia/ruvex/elements/portion.h>
 #include <orvia/ruvex/elements/profile.h>
+#include <orvia/ruvex/elements/rail.h>
 #include <orvia/ruvex/elements/subnetwork.h>
 #include <orvia/ruvex/elements/track.h>
 #include <orvia/ruvex/elements/traffic.h>
@@ -52,6 +53,20 @@ constexpr char kReflection[] = "Reflection";
 constexpr char kShininess[] = "Shininess";
 constexpr char kVersion[] = "Version";
 constexpr char kQorVersion[] = "QorVersion";
+constexpr char kOpenEnd[] = "OpenEnd";
+constexpr char kBufferEnd[] = "BufferEnd";
+constexpr char kLinkedEnd[] = "LinkedEnd";
+constexpr char kSwitchEnd[] = "SwitchEnd";
+constexpr char kDoublePropertyValue[] = "DoublePropertyValue";
+constexpr char kEnumPropertyValue[] = "EnumPropertyValue";
+constexpr char kTunnel[] = "Tunnel";
+constexpr char kBridge[] = "Bridge";
+constexpr char kGantry[] = "Gantry";
+constexpr char kPlatform[] = "Platform";
+constexpr char kLevelCrossing[] = "LevelCrossing";
+constexpr char kRoadArea[] = "RoadArea";
+constexpr char kRadioAntena[] = "RadioAntena";
+constexpr char kAreaTelegramCalculator[] = "AreaTelegramCalculator";
 
 }  // namespace
 
@@ -152,6 +167,43 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<LegacySZCurveElement>("LegacySZCurve"),
         Tagged<VersionElement, kVersion>(),
         Tagged<VersionElement, kQorVersion>(),
+        Plain<Rail::QuoteElement>("Quote"),
+        Plain<Rail::MileageSystemElement>("MileageSystem"),
+        Plain<Rail::MileageAnchorElement>("MileageAnchor"),
+        Plain<Rail::TrackLinkedEndElement>("TrackLinkedEnd"),
+        Tagged<Rail::ReferenceElement, kOpenEnd>(),
+        Tagged<Rail::ReferenceElement, kBufferEnd>(),
+        Tagged<Rail::ReferenceElement, kLinkedEnd>(),
+        Tagged<Rail::ReferenceElement, kSwitchEnd>(),
+        Plain<Rail::ConnectionReferenceElement>("ConnectionReference"),
+        Plain<Rail::SwitchElement>("Switch"),
+        Plain<Rail::CrossingElement>("Crossing"),
+        Plain<Rail::ConnectionPointElement>("ConnectionPoint"),
+        Plain<Rail::DoublePropertyElement>("DoubleProperty"),
+        Plain<Rail::EnumElement>("Enum"),
+        Plain<Rail::EnumPropertyElement>("EnumProperty"),
+        Tagged<Rail::PropertyValueElement, kDoublePropertyValue>(),
+        Tagged<Rail::PropertyValueElement, kEnumPropertyValue>(),
+        Plain<Rail::PropertyChangeElement>("PropertyChange"),
+        Plain<Rail::PropertySpanElement>("PropertySpan"),
+        Plain<Rail::TrackSpanElement>("TrackSpan"),
+        Plain<Rail::TrackQuoteElement>("TrackQuote"),
+        Tagged<Rail::ObjectOnTrackSpanElement, kTunnel>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kBridge>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kGantry>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kPlatform>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kLevelCrossing>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kRoadArea>(),
+        Plain<Rail::SignalElement>("Signal"),
+        Plain<Rail::BaliseElement>("Balise"),
+        Plain<Rail::TelegramCalculatorElement>("TelegramCalculator"),
+        Plain<Rail::TrainDetectionElement>("TrainDetection"),
+        Plain<Rail::FrameElement>("Frame"),
+        Tagged<Rail::WorldEquipmentElement, kRadioAntena>(),
+        Tagged<Rail::WorldEquipmentElement, kAreaTelegramCalculator>(),
+        Plain<Rail::StationElement>("Station"),
+        Plain<Rail::RailroadTrackElement>("RailroadTrack"),
+        Plain<Rail::RailNetworkElement>("RailNetwork"),
     };
     return classes;
 }
