@@ -1,0 +1,26 @@
+#pragma once
+
+// Road signs, the obstacles traffic must avoid, and the vehicle authorisations that say whom a rule
+// addresses.
+
+#include <orvia/ruvex/elements/traffic.h>
+
+namespace Orvia {
+
+class RoadSign : public Ruvex::RoadSignElement {
+public:
+    ~RoadSign() override;
+};
+
+// Read from and saved as "VehicleType".
+class VehicleAuthorisation : public Ruvex::VehicleTypeElement {
+public:
+    ~VehicleAuthorisation() override;
+};
+
+class Obstacle : public Ruvex::ObstacleElement {
+public:
+    ~Obstacle() override;
+};
+
+}  // namespace Orvia

@@ -1,0 +1,8 @@
+#include <orvia/topology/composite_object.h>
+
+namespace Orvia {
+
+CompositeObject::~CompositeObject() = default;
+Scale::~Scale() = default;
+
+}  // namespace Orvia

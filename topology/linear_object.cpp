@@ -1,0 +1,7 @@
+#include <orvia/topology/linear_object.h>
+
+namespace Orvia {
+
+LinearObject::~LinearObject() = default;
+
+}  // namespace Orvia

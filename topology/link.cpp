@@ -1,0 +1,7 @@
+#include <orvia/topology/link.h>
+
+namespace Orvia {
+
+Link::~Link() = default;
+
+}  // namespace Orvia

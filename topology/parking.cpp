@@ -1,0 +1,8 @@
+#include <orvia/topology/parking.h>
+
+namespace Orvia {
+
+ParkingLot::~ParkingLot() = default;
+ParkingSpot::~ParkingSpot() = default;
+
+}  // namespace Orvia

@@ -1,0 +1,7 @@
+#include <orvia/topology/pedestrian_network.h>
+
+namespace Orvia {
+
+PedestrianNetwork::~PedestrianNetwork() = default;
+
+}  // namespace Orvia

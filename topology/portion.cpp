@@ -1,0 +1,7 @@
+#include <orvia/topology/portion.h>
+
+namespace Orvia {
+
+Portion::~Portion() = default;
+
+}  // namespace Orvia

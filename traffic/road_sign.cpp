@@ -1,0 +1,9 @@
+#include <orvia/traffic/road_sign.h>
+
+namespace Orvia {
+
+RoadSign::~RoadSign() = default;
+VehicleAuthorisation::~VehicleAuthorisation() = default;
+Obstacle::~Obstacle() = default;
+
+}  // namespace Orvia
