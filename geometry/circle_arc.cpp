@@ -1,0 +1,94 @@
+#include <orvia/geometry/circle_arc.h>
+
+#include <cmath>
+
+vek::Vector2 CircleArcLocalPosition(double k, double r, double s) {
+    const double angle = k * s;
+    const double sine = std::sin(angle);
+    const double cosine = std::cos(angle);
+    // 1 - cos = sin^2 / (1 + cos) where cos > 0, which has no cancellation; elsewhere the difference is safe.
+    const double versine = cosine > 0 ? sine * sine / (1 + cosine) : 1 - cosine;
+    return {r * sine, r * versine};
+}
+
+CircleArc::CircleArc() {
+    DataChanged();
+}
+
+CircleArc::CircleArc(double length, double curvature) {
+    m_Length = length;
+    m_Curvature = curvature;
+    DataChanged();
+}
+
+CircleArc::CircleArc(const CircleArc& other) = default;
+CircleArc::~CircleArc() = default;
+
+void CircleArc::SetLength(double length) {
+    if (length == m_Length) return;
+    m_Length = length;
+    DataChanged();
+}
+
+bool CircleArc::SetRawLength(double length) {
+    SetLength(length);
+    return true;
+}
+
+bool CircleArc::SetCurvature(double curvature) {
+    if (std::fabs(curvature) < kMinCurvature) return false;
+    if (curvature != m_Curvature) {
+        m_Curvature = curvature;
+        DataChanged();
+    }
+    return true;
+}
+
+CircleArc* CircleArc::Clone() const {
+    return new CircleArc(*this);
+}
+
+bool CircleArc::IsEqual(const ParametricFunction* other) const {
+    const auto* arc = dynamic_cast<const CircleArc*>(other);
+    return arc && arc->m_Length == m_Length && arc->m_Curvature == m_Curvature;
+}
+
+Ruvex::Element* CircleArc::GetElement() const {
+    return const_cast<CircleArc*>(this);
+}
+
+uint64_t CircleArc::AddRef() {
+    return Ruvex::CircleArcElement::AddRef();
+}
+
+uint64_t CircleArc::Release() {
+    return Ruvex::CircleArcElement::Release();
+}
+
+void CircleArc::Flip() {
+    m_Curvature = -m_Curvature;
+    DataChanged();
+}
+
+bool CircleArc::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    if (!element || !parser) return false;
+    Ruvex::CircleArcElement::LoadFromXMLElement(element, parser);
+    DataChanged();
+    return true;
+}
+
+void CircleArc::DataChanged() {
+    m_radius = std::fabs(m_Curvature) < kMinCurvature ? kZeroCurvatureRadius : 1 / m_Curvature;
+    ParametricFunction::DataChanged();
+}
+
+PointData CircleArc::GetLocalPointData(double s) const {
+    return PointData(CircleArcLocalPosition(m_Curvature, m_radius, s), m_Curvature * s, m_Curvature);
+}
+
+void CircleArc::InvertLocalData() {
+    // The transforms were rebuilt when Invert() moved the start; only the radius and the box follow.
+    m_Curvature = -m_Curvature;
+    m_radius = std::fabs(m_Curvature) < kMinCurvature ? kZeroCurvatureRadius : 1 / m_Curvature;
+    InvalidateBoundingBox();
+}

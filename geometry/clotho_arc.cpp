@@ -1,0 +1,195 @@
+#include <orvia/geometry/clotho_arc.h>
+
+#include <cmath>
+
+#include <orvia/core/legacy_converter.h>
+#include <orvia/geometry/circle_arc.h>
+#include <orvia/ruvex/dom.h>
+#include <orvia/vek/math.h>
+
+namespace {
+
+// First format version whose clothoid arcs the current reader understands.
+constexpr uint32_t kClothoArcLayoutVersion = Ruvex::MakeVersionID(2, 3, 0);
+
+// Heading brought into (-pi, pi] the way atan2 of the tangent would give it, without the cost when it already
+// is.
+double WrapHeading(double heading) {
+    return (heading > vek::kPi || heading <= -vek::kPi) ? vek::normalizeAngle(heading) : heading;
+}
+
+}  // namespace
+
+ClothoArc::ClothoArc() {
+    DataChanged();
+}
+
+ClothoArc::ClothoArc(double length, double startCurvature, double endCurvature) {
+    m_Length = std::fabs(length);
+    m_StartCurvature = startCurvature;
+    m_EndCurvature = endCurvature;
+    DataChanged();
+}
+
+ClothoArc::ClothoArc(const ClothoArc& other) = default;
+ClothoArc::~ClothoArc() = default;
+
+void ClothoArc::SetLength(double length) {
+    const double old = m_Length;
+    bool changed = false;
+    if (old > kDegenerateTolerance) {
+        const double rescaled = m_StartCurvature + (m_EndCurvature - m_StartCurvature) * length / old;
+        changed = rescaled != m_EndCurvature;
+        m_EndCurvature = rescaled;
+    }
+    if (length >= 0 && length != old) {
+        m_Length = length;
+        changed = true;
+    }
+    // Also after a refused length whose end curvature was rescaled: the Cornu state must follow it.
+    if (changed) DataChanged();
+}
+
+bool ClothoArc::SetRawLength(double length) {
+    if (length >= 0 && length != m_Length) {
+        m_Length = length;
+        DataChanged();
+    }
+    return true;
+}
+
+bool ClothoArc::SetStartCurvature(double curvature) {
+    if (curvature != m_StartCurvature) {
+        m_StartCurvature = curvature;
+        DataChanged();
+    }
+    return true;
+}
+
+bool ClothoArc::SetEndCurvature(double curvature) {
+    if (curvature != m_EndCurvature) {
+        m_EndCurvature = curvature;
+        DataChanged();
+    }
+    return true;
+}
+
+ClothoArc* ClothoArc::Clone() const {
+    return new ClothoArc(*this);
+}
+
+bool ClothoArc::IsEqual(const ParametricFunction* other) const {
+    const auto* arc = dynamic_cast<const ClothoArc*>(other);
+    return arc && arc->m_Length == m_Length && arc->m_StartCurvature == m_StartCurvature &&
+           arc->m_EndCurvature == m_EndCurvature;
+}
+
+Ruvex::Element* ClothoArc::GetElement() const {
+    return const_cast<ClothoArc*>(this);
+}
+
+uint64_t ClothoArc::AddRef() {
+    return Ruvex::ClothoidArcElement::AddRef();
+}
+
+uint64_t ClothoArc::Release() {
+    return Ruvex::ClothoidArcElement::Release();
+}
+
+void ClothoArc::Flip() {
+    m_StartCurvature = -m_StartCurvature;
+    m_EndCurvature = -m_EndCurvature;
+    DataChanged();
+}
+
+bool ClothoArc::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    if (!element || !parser) return false;
+    if (parser->GetVersion() >= kClothoArcLayoutVersion)
+        Ruvex::ClothoidArcElement::LoadFromXMLElement(element, parser);
+    else
+        QorOldData::DataConverter::LoadClothoArc(this, element, parser);
+    DataChanged();
+    return true;
+}
+
+void ClothoArc::DataChanged() {
+    Init();
+    const double k0 = m_StartCurvature, k1 = m_EndCurvature;
+    const double eps = kDegenerateTolerance;
+    if (std::fabs(m_Length) < eps || (std::fabs(k0) < eps && std::fabs(k1) < eps))
+        m_shape = Shape::Line;
+    else if (std::fabs(k0 - k1) >= eps)
+        m_shape = Shape::Clothoid;
+    else
+        m_shape = Shape::Circle;
+    m_circleRadius = std::fabs(k0) < CircleArc::kMinCurvature ? CircleArc::kZeroCurvatureRadius : 1 / k0;
+    ParametricFunction::DataChanged();
+}
+
+void ClothoArc::Init() {
+    const double k0 = m_StartCurvature, k1 = m_EndCurvature;
+    if (!(m_Length > 0 && std::fabs(k1 - k0) > 0)) return;
+    m_decreasing = k0 > k1;
+    m_a = std::sqrt(2 * m_Length / std::fabs(k1 - k0));
+    if (m_decreasing) {
+        m_t0 = -0.5 * m_a * k0;
+        m_cornu.Setup(m_a, -m_a);
+    } else {
+        m_t0 = 0.5 * m_a * k0;
+        m_cornu.Setup(m_a, m_a);
+    }
+    m_tStart = EvalT(0);
+    m_cornu.Eval(m_tStart, m_X0, m_Y0);
+    m_rawStartTangent = {m_cornu.EvalDX(m_tStart), m_cornu.EvalDY(m_tStart)};
+    const vek::Vector2 unit = m_rawStartTangent.normalized();
+    m_c = unit.x;
+    m_d = unit.y;
+}
+
+double ClothoArc::GetLocalCurvature(double s) const {
+    const double k = (s / m_a + m_t0) * 2 / m_a;
+    return m_decreasing ? -k : k;
+}
+
+void ClothoArc::Func(double s, double& x, double& y, double& heading) const {
+    const double t = EvalT(s);
+    double cx, cy;
+    m_cornu.Eval(t, cx, cy);
+    const double dX = cx - m_X0;
+    const double dY = cy - m_Y0;
+    x = m_c * dX + m_d * dY;
+    y = m_c * dY - m_d * dX;
+    // The Cornu tangent turns by t^2 - t0^2 from the start tangent (mirrored when decreasing); written as
+    // u (u + 2 t0) with u = s / a it is exact where the difference of squares would cancel.
+    const double u = s / m_a;
+    const double turn = u * (u + 2 * m_t0);
+    heading = WrapHeading(m_decreasing ? -turn : turn);
+}
+
+PointData ClothoArc::GetLocalPointData(double s) const {
+    switch (m_shape) {
+        case Shape::Line:
+            return PointData({s, 0}, 0, 0);
+        case Shape::Clothoid: {
+            PointData pd;
+            Func(s, pd.position.x, pd.position.y, pd.heading);
+            pd.curvature = GetLocalCurvature(s);
+            return pd;
+        }
+        case Shape::Circle:
+            break;
+    }
+    const double k0 = m_StartCurvature;
+    // The tangent is the radius direction turned a quarter towards the travel side; with the stand-in radius
+    // of a negative curvature too small to invert it points backwards.
+    double heading = k0 * s;
+    if (k0 < 0 && m_circleRadius > 0) heading += vek::kPi;
+    return PointData(CircleArcLocalPosition(k0, m_circleRadius, s), WrapHeading(heading), k0);
+}
+
+void ClothoArc::InvertLocalData() {
+    const double k0 = m_StartCurvature;
+    m_StartCurvature = -m_EndCurvature;
+    m_EndCurvature = -k0;
+    DataChanged();
+}

@@ -1,0 +1,111 @@
+#include <orvia/geometry/parametric_function.h>
+
+#include <cmath>
+
+#include <orvia/ruvex/element.h>
+#include <orvia/vek/math.h>
+
+namespace {
+
+// Samples of the bounding box along the piece, and how far the box is grown (fraction of the length) to cover
+// what bulges between two samples.
+constexpr int kBoundingBoxIntervals = 100;
+constexpr double kBoundingBoxMargin = 0.5 / kBoundingBoxIntervals;
+
+}  // namespace
+
+ParametricFunction::ParametricFunction() = default;
+ParametricFunction::~ParametricFunction() = default;
+
+PointData ParametricFunction::GetPointData(double s) const {
+    const PointData local = GetLocalPointData(s);
+    PointData global(LocalToGlobal(local.position), local.heading + m_startOrientation, local.curvature);
+    if (vek::isEqual(s, 0, kForcedOrientationWindow) &&
+        !vek::isEqual(m_forcedStartOrientation, 0, kForcedOrientationWindow))
+        global.heading = m_forcedStartOrientation;
+    return global;
+}
+
+vek::Vector2 ParametricFunction::GetStartPosition() const {
+    return m_startPosition;
+}
+
+void ParametricFunction::SetStartPosition(const vek::Vector2& position) {
+    if (position == m_startPosition) return;
+    m_startPosition = position;
+    DataChanged();
+}
+
+double ParametricFunction::GetStartOrientation() const {
+    return m_startOrientation;
+}
+
+void ParametricFunction::SetStartOrientation(double orientation) {
+    double turns = std::trunc(orientation / vek::kTwoPi);
+    if (orientation < 0) turns -= 1;
+    double normalized = orientation - turns * vek::kTwoPi;
+    if (normalized > vek::kPi) normalized -= vek::kTwoPi;
+    if (normalized == m_startOrientation) return;
+    m_startOrientation = normalized;
+    DataChanged();
+}
+
+void ParametricFunction::Invert() {
+    const PointData end = GetPointData(GetLength());
+    SetStartPosition(end.position);
+    SetStartOrientation(end.heading - vek::kPi);
+    InvertLocalData();
+}
+
+ParametricFunction* ParametricFunction::Split(double ratio) {
+    if (!(ratio > 0 && ratio < 1)) return nullptr;
+    const double length = GetLength();
+    const double first = length * ratio;
+    ParametricFunction* second = Clone();
+    second->Invert();
+    second->SetLength(length - first);
+    second->Invert();
+    SetLength(first);
+    return second;
+}
+
+const vek::Box2& ParametricFunction::GetBoundingBox() const {
+    if (!m_boundingBoxDirty) return m_boundingBox;
+    const double length = GetLength();
+    vek::Box2 box;
+    box.add(m_startPosition);
+    for (int i = 0; i <= kBoundingBoxIntervals; ++i)
+        box.add(GetPointData(i * length / kBoundingBoxIntervals).position);
+    box.grow(length * kBoundingBoxMargin);
+    m_boundingBox = box;
+    m_boundingBoxDirty = false;
+    return m_boundingBox;
+}
+
+uint64_t ParametricFunction::AddRef() {
+    return GetElement()->AddRef();
+}
+
+uint64_t ParametricFunction::Release() {
+    return GetElement()->Release();
+}
+
+void ParametricFunction::Flip() {}
+
+void ParametricFunction::SetForcedStartOrientation(double orientation) {
+    m_forcedStartOrientation = orientation;
+}
+
+void ParametricFunction::DataChanged() {
+    m_boundingBoxDirty = true;
+    m_localToGlobal = vek::Transform2D(m_startPosition, m_startOrientation);
+    m_globalToLocal = m_localToGlobal.globalToLocal();
+}
+
+vek::Vector2 ParametricFunction::LocalToGlobal(const vek::Vector2& local) const {
+    return m_localToGlobal.apply(local);
+}
+
+vek::Vector2 ParametricFunction::GlobalToLocal(const vek::Vector2& global) const {
+    return m_globalToLocal.apply(global);
+}

@@ -1,0 +1,80 @@
+// Clothoid piece: curvature varies linearly with arc length from the start curvature to the end curvature.
+#pragma once
+
+#include <orvia/geometry/cornu.h>
+#include <orvia/geometry/parametric_function.h>
+#include <orvia/ruvex/elements/curves.h>
+
+class ClothoArc : public ParametricFunction, public Ruvex::ClothoidArcElement {
+public:
+    // Below this length (m) the piece is a straight line along +x; below this |curvature| (1/m) at both ends
+    // it is straight too; curvatures closer than this make a circle arc of the start curvature.
+    static constexpr double kDegenerateTolerance = 1e-5;
+
+    // Length 1 m, curvature 0 -> 0.01 /m.
+    ClothoArc();
+    // The length is stored as its absolute value.
+    ClothoArc(double length, double startCurvature, double endCurvature);
+    ClothoArc(const ClothoArc& other);
+    ~ClothoArc() override;
+
+    double GetLength() const override { return m_Length; }
+    // Keeps the rate of change of curvature: the end curvature is rescaled first (when the old length exceeds
+    // kDegenerateTolerance, even if the new length is then refused); a negative length is refused.
+    void SetLength(double length) override;
+    // Sets the length alone, curvatures unchanged; a negative length is ignored. Returns true.
+    bool SetRawLength(double length);
+
+    double GetStartCurvature() const { return m_StartCurvature; }
+    double GetEndCurvature() const { return m_EndCurvature; }
+    // 1/m, positive turning left. Return true.
+    bool SetStartCurvature(double curvature);
+    bool SetEndCurvature(double curvature);
+
+    ClothoArc* Clone() const override;
+    // Another ClothoArc with exactly the same length and curvatures.
+    bool IsEqual(const ParametricFunction* other) const override;
+    Ruvex::Element* GetElement() const override;
+    uint64_t AddRef() override;
+    uint64_t Release() override;
+    // Negates both curvatures.
+    void Flip() override;
+
+    // Documents older than 2.3.0 go through the legacy converter. True for any document; false only for null
+    // arguments.
+    bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
+
+protected:
+    void DataChanged() override;
+    // Position from the Cornu series (CCornuFunc's accuracy, scaled by the clothoid scale a); heading
+    // k0 s + (k1 - k0) s^2 / (2 length) brought into (-pi, pi]; curvature linear in s. Degenerate pieces: see
+    // kDegenerateTolerance.
+    PointData GetLocalPointData(double s) const override;
+    // Runs backwards: (k0, k1) = (-k1, -k0).
+    void InvertLocalData() override;
+
+    // Rebuilds the Cornu state from the three numbers; leaves it as it was for a zero length or equal
+    // curvatures.
+    void Init();
+    // Cornu parameter t at arc length s, and back.
+    double EvalT(double s) const { return s / m_a + m_t0; }
+    double EvalS(double t) const { return (t - m_t0) * m_a; }
+    // k0 at s = 0, k1 at s = length (the increasing or decreasing clothoid's curvature).
+    double GetLocalCurvature(double s) const;
+    // Local position and heading (in (-pi, pi]) of the clothoid branch.
+    void Func(double s, double& x, double& y, double& heading) const;
+
+private:
+    enum class Shape { Line, Clothoid, Circle };
+
+    CCornuFunc m_cornu;
+    double m_t0 = 0;            // Cornu parameter at s = 0
+    double m_a = 1;             // clothoid scale sqrt(2 length / |k1 - k0|), metres
+    bool m_decreasing = false;  // k0 > k1
+    double m_tStart = 0;
+    double m_X0 = 0, m_Y0 = 0;       // Cornu point at s = 0
+    vek::Vector2 m_rawStartTangent;  // Cornu derivative at s = 0
+    double m_c = 1, m_d = 0;         // its unit vector
+    Shape m_shape = Shape::Clothoid;
+    double m_circleRadius = 1;  // for Shape::Circle
+};

@@ -1,0 +1,95 @@
+// The abstract planar curve piece: a curve parameterised by its own arc length s in [0, GetLength()],
+// computed in its own frame (start at the origin, heading +x) and placed by a start position and a start
+// orientation.
+#pragma once
+
+#include <cstdint>
+
+#include <orvia/geometry/point_data.h>
+#include <orvia/vek/box.h>
+#include <orvia/vek/transform2d.h>
+#include <orvia/vek/vector.h>
+
+namespace Ruvex {
+class Element;
+}
+
+// A concrete piece is also the persistent element of its tag; its reference count is the element's.
+// Samples take no locks and allocate nothing. A piece belongs to one thread at a time: the bounding box is a
+// cache rebuilt lazily on the next GetBoundingBox().
+class ParametricFunction {
+public:
+    // Arc length, metres.
+    virtual double GetLength() const = 0;
+    virtual void SetLength(double length) = 0;
+    // Placed sample at arc length s (metres). s outside [0, length] continues the piece's own formula:
+    // nothing is clamped. Within kForcedOrientationWindow of s = 0 a forced start orientation replaces the
+    // heading; otherwise heading = local heading + start orientation, not re-normalised.
+    virtual PointData GetPointData(double s) const;
+    virtual vek::Vector2 GetStartPosition() const;
+    // Recomputes only when the position changes.
+    virtual void SetStartPosition(const vek::Vector2& position);
+    // Radians, in (-pi, pi].
+    virtual double GetStartOrientation() const;
+    // Any angle (radians); stored brought into (-pi, pi] (3pi/2 -> -pi/2, -pi -> pi). Recomputes only when
+    // the stored value changes.
+    virtual void SetStartOrientation(double orientation);
+    // A new piece of the same class with the same data and placement, count 0: the caller owns it.
+    virtual ParametricFunction* Clone() const = 0;
+    // Same class and exactly equal intrinsic data; the placement is not compared. False for null.
+    virtual bool IsEqual(const ParametricFunction* other) const = 0;
+    // The same points run backwards: the piece then starts at its old end, heading reversed.
+    virtual void Invert();
+    // Cuts at ratio * length, 0 < ratio < 1 (null otherwise): this piece keeps the first part and the second
+    // part, starting where the first now ends, is returned with count 0 (the caller owns it).
+    virtual ParametricFunction* Split(double ratio);
+    // The start and 101 evenly spaced samples, grown by 0.5 % of the length on every side. Cached; rebuilt on
+    // the first call after a change.
+    virtual const vek::Box2& GetBoundingBox() const;
+    // The persistent element side of this object (never null).
+    virtual Ruvex::Element* GetElement() const = 0;
+    // The element side's reference count; Release destroys the object when it drops to 0.
+    virtual uint64_t AddRef();
+    virtual uint64_t Release();
+    // Mirrors the piece about its start tangent (the local x axis): left turns become right turns. The base,
+    // fit for straight pieces, does nothing.
+    virtual void Flip();
+    // Heading reported near s = 0 (see GetPointData); a value within kForcedOrientationWindow of 0 means
+    // "not forced". Plain setter.
+    virtual void SetForcedStartOrientation(double orientation);
+    virtual ~ParametricFunction();
+
+    double GetForcedStartOrientation() const { return m_forcedStartOrientation; }
+
+    // Both the "near the start" window of GetPointData (metres) and the "not forced" band of the forced
+    // orientation (radians).
+    static constexpr double kForcedOrientationWindow = 0.01;
+
+protected:
+    ParametricFunction();
+    ParametricFunction(const ParametricFunction&) = default;
+    ParametricFunction& operator=(const ParametricFunction&) = default;
+
+    // Called after every change of shape or placement: rebuilds the transforms, invalidates the box.
+    // Overrides rebuild their own derived state and call this.
+    virtual void DataChanged();
+    // Sample in the piece's own frame.
+    virtual PointData GetLocalPointData(double s) const = 0;
+    // Changes the intrinsic data so that the piece runs backwards; called by Invert() once the placement has
+    // moved to the old end.
+    virtual void InvertLocalData() = 0;
+    virtual vek::Vector2 LocalToGlobal(const vek::Vector2& local) const;
+    virtual vek::Vector2 GlobalToLocal(const vek::Vector2& global) const;
+
+    // For changes that keep the transforms but move the points (inverting a symmetric piece).
+    void InvalidateBoundingBox() { m_boundingBoxDirty = true; }
+
+private:
+    vek::Vector2 m_startPosition;
+    double m_startOrientation = 0;
+    mutable vek::Box2 m_boundingBox;
+    mutable bool m_boundingBoxDirty = true;
+    vek::Transform2D m_localToGlobal;
+    vek::Transform2D m_globalToLocal;
+    double m_forcedStartOrientation = 0;
+};

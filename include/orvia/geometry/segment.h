@@ -1,0 +1,34 @@
+// Straight piece.
+#pragma once
+
+#include <orvia/geometry/parametric_function.h>
+#include <orvia/ruvex/elements/curves.h>
+
+class Segment : public ParametricFunction, public Ruvex::SegmentElement {
+public:
+    // Length 1 m.
+    Segment();
+    explicit Segment(double length);
+    Segment(const Segment& other);
+    ~Segment() override;
+
+    double GetLength() const override { return m_Length; }
+    // Any value is stored (a negative length runs backwards along -x).
+    void SetLength(double length) override;
+    // Same as SetLength for a segment; returns true.
+    bool SetRawLength(double length);
+
+    Segment* Clone() const override;
+    bool IsEqual(const ParametricFunction* other) const override;
+    Ruvex::Element* GetElement() const override;
+    uint64_t AddRef() override;
+    uint64_t Release() override;
+
+    // Reads the tag, then recomputes. True for any document; false only for null arguments.
+    bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
+
+protected:
+    // (s, 0), heading 0, curvature 0, for any s.
+    PointData GetLocalPointData(double s) const override { return PointData({s, 0}, 0, 0); }
+    void InvertLocalData() override {}
+};
