@@ -1,7 +1,38 @@
 // The tag-to-class table: which runtime object stands for each tag of a file.
 
+#include <orvia/core/export_settings.h>
+#include <orvia/core/legacy.h>
+#include <orvia/core/network.h>
 #include <orvia/core/orvia_factory.h>
+#include <orvia/core/reference.h>
+#include <orvia/core/surface.h>
 #include <orvia/core/user_data.h>
+#include <orvia/geometry/profile.h>
+#include <orvia/geometry/profile_modifier.h>
+#include <orvia/geometry/sequence.h>
+#include <orvia/ground/ground.h>
+#include <orvia/rail/rail_network.h>
+#include <orvia/ruvex/elements/clipped.h>
+#include <orvia/ruvex/elements/curves.h>
+#include <orvia/ruvex/elements/profile.h>
+#include <orvia/ruvex/elements/traffic.h>
+#include <orvia/topology/clipped_data.h>
+#include <orvia/topology/composite_object.h>
+#include <orvia/topology/connector.h>
+#include <orvia/topology/entities_generation.h>
+#include <orvia/topology/intersection.h>
+#include <orvia/topology/linear_object.h>
+#include <orvia/topology/link.h>
+#include <orvia/topology/parking.h>
+#include <orvia/topology/pedestrian_network.h>
+#include <orvia/topology/portion.h>
+#include <orvia/topology/road.h>
+#include <orvia/topology/sub_network.h>
+#include <orvia/topology/track.h>
+#include <orvia/topology/trajectory.h>
+#include <orvia/topology/zone.h>
+#include <orvia/traffic/road_sign.h>
+#include <orvia/traffic/traffic_light.h>
 
 #include <string_view>
 #include <unordered_map>
@@ -28,10 +59,158 @@ Entry Tagged() {
     return Entry{Tag, [] { return static_cast<Ruvex::Element*>(new T(Tag)); }};
 }
 
+constexpr char kSequence[] = "Sequence";
+constexpr char kSequenceY[] = "SequenceY";
+constexpr char kSequenceZ[] = "SequenceZ";
+constexpr char kClippedData[] = "ClippedData";
+constexpr char kOffset2x2DPoints[] = "Offset2x2DPoints";
+constexpr char kDiffuse[] = "Diffuse";
+constexpr char kAmbient[] = "Ambient";
+constexpr char kSpecular[] = "Specular";
+constexpr char kEmissive[] = "Emissive";
+constexpr char kVersion[] = "Version";
+constexpr char kQorVersion[] = "QorVersion";
+constexpr char kTrajectoryCurve[] = "TrajectoryCurve";
+constexpr char kSZCurve[] = "SZCurve";
+constexpr char kBankingCurve[] = "BankingCurve";
+constexpr char kTunnel[] = "Tunnel";
+constexpr char kBridge[] = "Bridge";
+constexpr char kGantry[] = "Gantry";
+constexpr char kPlatform[] = "Platform";
+constexpr char kLevelCrossing[] = "LevelCrossing";
+constexpr char kRoadArea[] = "RoadArea";
+constexpr char kRadioAntena[] = "RadioAntena";
+constexpr char kAreaTelegramCalculator[] = "AreaTelegramCalculator";
+constexpr char kEnumPropertyValue[] = "EnumPropertyValue";
+constexpr char kDoublePropertyValue[] = "DoublePropertyValue";
+constexpr char kOpenEnd[] = "OpenEnd";
+constexpr char kBufferEnd[] = "BufferEnd";
+constexpr char kLinkedEnd[] = "LinkedEnd";
+constexpr char kSwitchEnd[] = "SwitchEnd";
+
 // In the order of the rule: when a tag appears twice, the first entry wins.
 const std::vector<Entry>& Table() {
     static const std::vector<Entry> table = {
+        // Tags whose runtime class bears the same name.
+        Make<Network>("Network"),
+        Make<Road>("Road"),
+        Make<Intersection>("Intersection"),
+        Make<Track>("Track"),
+        Make<SubNetworkJunction>("SubNetworkJunction"),
+        Make<SubNetworkExit>("SubNetworkExit"),
+        Make<SubNetwork>("SubNetwork"),
+        Make<RollingSurfaceProps>("RollingSurfaceProps"),
+        Make<Export3DLayers>("Export3DLayers"),
+        Make<Generate3DRoads>("Generate3DRoads"),
+        Make<SolExportOptions>("SolExportOptions"),
+        Make<Light>("Light"),
+        Make<RoadSign>("RoadSign"),
+        Make<Timer>("Timer"),
+        Make<TrafficLightGroup>("TrafficLightGroup"),
+        Make<TrafficLightAnimation>("TrafficLightAnimation"),
+        Make<TrafficLightState>("TrafficLightState"),
+        Make<Portion>("Portion"),
+        Make<ProfileStandalone>("ProfileStandalone"),
+        Make<MarkingStandalone>("MarkingStandalone"),
+        Make<Profile>("Profile"),
+        Make<Lane>("Lane"),
+        Make<LaneBorder>("LaneBorder"),
+        Make<Decoration>("Decoration"),
+        Make<Marking>("Marking"),
+        Make<Ground>("Ground"),
+        Make<Roughness>("Roughness"),
+        Make<Point2x2D>("Point2x2D"),
+        Make<Trajectory>("Trajectory"),
+        Make<TrajectoryPart>("TrajectoryPart"),
+        Make<ProfileModifier>("ProfileModifier"),
+        Make<BorderModifier>("BorderModifier"),
+        Make<BorderOffset>("BorderOffset"),
+        Make<ConcentricZone>("ConcentricZone"),
+        Make<EntitiesGeneration>("EntitiesGeneration"),
+        Make<ExternalEntity>("ExternalEntity"),
+        Make<Link>("Link"),
+        Make<ParkingLot>("ParkingLot"),
+        Make<ParkingSpot>("ParkingSpot"),
+        Make<CompositeObject>("CompositeObject"),
+        Make<Scale>("Scale"),
+        Make<Obstacle>("Obstacle"),
+        Make<SurfaceModifier>("SurfaceModifier"),
+        Make<TrackScope>("TrackScope"),
+        Make<TrackClippedData>("TrackClippedData"),
+        Make<MarkClippedData>("MarkClippedData"),
+        Make<PedestrianNetwork>("PedestrianNetwork"),
+
+        // The exceptions.
+        Make<RoadPiece>("RoadElement"),
+        Make<Ruvex::LanePairElement>("LanePair"),
+        Tagged<Sequence, kSequence>(),
+        Tagged<Sequence, kSequenceY>(),
+        Tagged<Sequence, kSequenceZ>(),
+        Make<Ruvex::TrackClipElement>("TrackClip"),
+        Tagged<TrackClippedData, kClippedData>(),
+        Make<LinearObject>("Linear"),
+        Make<Zone>("Area"),
+        Make<VehicleAuthorisation>("VehicleType"),
+        Make<SoftGroundPropertiesElement>("SoftGroundProperties"),
+        Make<FunctionalGroundElement>("FunctionalModel"),
+        Make<TerramecanicsGroundElement>("TerraMecanicsModel"),
+        Make<Analytic>("RoughnessAnalytic"),
+        Entry{"Scale2x2DPoints",
+              [] {
+                  return static_cast<Ruvex::Element*>(
+                      new Point2x2D(1.0, 1.0, 1.0, 1.0, 1.0, "Scale2x2DPoints"));
+              }},
+        Tagged<Point2x2D, kOffset2x2DPoints>(),
+        Make<TrajectoryPiece>("TrajectoryElement"),
+        Make<Ruvex::UVMappingElement>("UVMapping"),
+        Tagged<MaterialChanel, kDiffuse>(),
+        Tagged<MaterialChanel, kAmbient>(),
+        Tagged<MaterialChanel, kSpecular>(),
+        Tagged<MaterialChanel, kEmissive>(),
         Make<QuenbelDataElement>("QuenbelData"),
+        Make<QorOldData::LegacyElement>("Legacy"),
+        Make<QorOldData::LegacySZCurveElement>("LegacySZCurve"),
+        Tagged<QorOldData::VersionElement, kVersion>(),
+        Tagged<QorOldData::VersionElement, kQorVersion>(),
+        Tagged<Ruvex::CartesianCurveElement, kTrajectoryCurve>(),
+        Tagged<Ruvex::CartesianCurveElement, kSZCurve>(),
+        Tagged<Ruvex::CartesianCurveElement, kBankingCurve>(),
+        Make<Ruvex::XYCurveElement>("XYCurve"),
+        Make<Rail::RailNetwork>("RailNetwork"),
+        Tagged<Rail::ObjectOnTrackSpanElement, kTunnel>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kBridge>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kGantry>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kPlatform>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kLevelCrossing>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, kRoadArea>(),
+        Tagged<Rail::WorldEquipmentElement, kRadioAntena>(),
+        Tagged<Rail::WorldEquipmentElement, kAreaTelegramCalculator>(),
+        Make<Rail::Signal>("Signal"),
+        Make<Rail::Balise>("Balise"),
+        Make<Rail::TelegramCalculator>("TelegramCalculator"),
+        Make<Rail::TrainDetection>("TrainDetection"),
+        Make<Rail::RailroadTrack>("RailroadTrack"),
+        Make<Rail::Switch>("Switch"),
+        Make<Rail::Crossing>("Crossing"),
+        Make<Rail::EnumProperty>("EnumProperty"),
+        Make<Rail::DoubleProperty>("DoubleProperty"),
+        Make<Rail::ConnectionReference>("ConnectionReference"),
+        Tagged<Rail::PropertyValueElement, kEnumPropertyValue>(),
+        Tagged<Rail::PropertyValueElement, kDoublePropertyValue>(),
+        Make<Rail::QuoteElement>("Quote"),
+        Make<Rail::MileageSystemElement>("MileageSystem"),
+        Make<Rail::MileageAnchorElement>("MileageAnchor"),
+        Make<Rail::TrackLinkedEndElement>("TrackLinkedEnd"),
+        Make<Rail::ConnectionPointElement>("ConnectionPoint"),
+        Make<Rail::PropertySpanElement>("PropertySpan"),
+        Make<Rail::PropertyChangeElement>("PropertyChange"),
+        Tagged<ReferenceElement, kOpenEnd>(),
+        Tagged<ReferenceElement, kBufferEnd>(),
+        Tagged<ReferenceElement, kLinkedEnd>(),
+        Tagged<ReferenceElement, kSwitchEnd>(),
+        Make<Rail::StationElement>("Station"),
+        Make<Rail::TrackQuoteElement>("TrackQuote"),
+        Make<Rail::TrackSpanElement>("TrackSpan"),
     };
     return table;
 }

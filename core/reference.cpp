@@ -2,6 +2,6 @@
 
 namespace Orvia {
 
-RUVEX_SCHEMA(ReferenceElement, Ruvex::Element, "OpenEnd", ORVIA_REFERENCE_TABLE)
+ReferenceElement::~ReferenceElement() = default;
 
 }  // namespace Orvia

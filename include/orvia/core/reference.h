@@ -1,20 +1,20 @@
 #pragma once
 
-// A reference by name to another element (how a rail track ends, which connection a point belongs to).
+// A reference by name to another element: how a rail track ends, which connection a point belongs to.
 
-#include <orvia/ruvex/schema.h>
+#include <orvia/ruvex/elements/rail.h>
 
 #include <string>
 
 namespace Orvia {
 
-// The name of the element referred to; empty when none.
-#define ORVIA_REFERENCE_TABLE(F) F(ATTR, std::string, ReferencedName, "name", "")
-
-// Saved under the tag it was made for ("OpenEnd", "BufferEnd", "LinkedEnd", "SwitchEnd", ...).
-class ReferenceElement : public Ruvex::Element {
-    RUVEX_FIELDS(ReferenceElement, Ruvex::Element, ORVIA_REFERENCE_TABLE)
-    RUVEX_TAGGED(ReferenceElement)
+// The referred element's name is the record's "name"; saved under the tag it was made for ("OpenEnd",
+// "BufferEnd", "LinkedEnd", "SwitchEnd", "ConnectionReference").
+class ReferenceElement : public Rail::ReferenceElement {
+public:
+    ReferenceElement() = default;
+    explicit ReferenceElement(const std::string& tag) : Rail::ReferenceElement(tag) {}
+    ~ReferenceElement() override;
 };
 
 }  // namespace Orvia
