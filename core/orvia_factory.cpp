@@ -7,8 +7,14 @@
 #include <orvia/core/reference.h>
 #include <orvia/core/surface.h>
 #include <orvia/core/user_data.h>
+#include <orvia/geometry/circle_arc.h>
+#include <orvia/geometry/clotho_arc.h>
+#include <orvia/geometry/clothoid_spline.h>
+#include <orvia/geometry/polyline.h>
+#include <orvia/geometry/polynomial_function.h>
 #include <orvia/geometry/profile.h>
 #include <orvia/geometry/profile_modifier.h>
+#include <orvia/geometry/segment.h>
 #include <orvia/geometry/sequence.h>
 #include <orvia/ground/ground.h>
 #include <orvia/rail/rail_network.h>
@@ -176,6 +182,12 @@ const std::vector<Entry>& Table() {
         Tagged<Ruvex::CartesianCurveElement, kSZCurve>(),
         Tagged<Ruvex::CartesianCurveElement, kBankingCurve>(),
         Make<Ruvex::XYCurveElement>("XYCurve"),
+        Make<::PolynomialFunction>("Polynomial"),
+        Make<::Segment>("Segment"),
+        Make<::CircleArc>("CircleArc"),
+        Make<::ClothoArc>("ClothoArc"),
+        Make<::ClothoidSpline>("ClothoidSpline"),
+        Entry{"PolyLine", [] { return static_cast<Ruvex::Element*>(new ::PolyLine(1, 0)); }},
         Make<Rail::RailNetwork>("RailNetwork"),
         Tagged<Rail::ObjectOnTrackSpanElement, kTunnel>(),
         Tagged<Rail::ObjectOnTrackSpanElement, kBridge>(),
