@@ -1,6 +1,8 @@
 // The tag-to-class table: which runtime object stands for each tag of a file.
 
 #include <orvia/core/export_settings.h>
+#include <orvia/core/external_element.h>
+#include <orvia/core/geolocalisation.h>
 #include <orvia/core/legacy.h>
 #include <orvia/core/network.h>
 #include <orvia/core/orvia_factory.h>
@@ -65,6 +67,10 @@ Entry Tagged() {
     return Entry{Tag, [] { return static_cast<Ruvex::Element*>(new T(Tag)); }};
 }
 
+constexpr char kExternalElement[] = "ExternalElement";
+constexpr char kExternalSurface[] = "ExternalSurface";
+constexpr char kExternalTerrain[] = "ExternalTerrain";
+constexpr char kProxyFile[] = "ProxyFile";
 constexpr char kSequence[] = "Sequence";
 constexpr char kSequenceY[] = "SequenceY";
 constexpr char kSequenceZ[] = "SequenceZ";
@@ -105,6 +111,7 @@ const std::vector<Entry>& Table() {
         Make<SubNetworkJunction>("SubNetworkJunction"),
         Make<SubNetworkExit>("SubNetworkExit"),
         Make<SubNetwork>("SubNetwork"),
+        Make<Geolocalisation>("Geolocalisation"),
         Make<RollingSurfaceProps>("RollingSurfaceProps"),
         Make<Export3DLayers>("Export3DLayers"),
         Make<Generate3DRoads>("Generate3DRoads"),
@@ -149,6 +156,10 @@ const std::vector<Entry>& Table() {
         // The exceptions.
         Make<RoadPiece>("RoadElement"),
         Make<Ruvex::LanePairElement>("LanePair"),
+        Tagged<ExternalElement, kExternalElement>(),
+        Tagged<ExternalElement, kExternalSurface>(),
+        Tagged<ExternalElement, kExternalTerrain>(),
+        Tagged<ExternalElement, kProxyFile>(),
         Tagged<Sequence, kSequence>(),
         Tagged<Sequence, kSequenceY>(),
         Tagged<Sequence, kSequenceZ>(),
