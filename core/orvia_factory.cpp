@@ -166,6 +166,7 @@ const std::vector<Entry>& Table() {
         Make<Ruvex::TrackClipElement>("TrackClip"),
         Tagged<TrackClippedData, kClippedData>(),
         Make<LinearObject>("Linear"),
+        Make<SubPart>("SubParts"),
         Make<Zone>("Area"),
         Make<VehicleAuthorisation>("VehicleType"),
         Make<SoftGroundPropertiesElement>("SoftGroundProperties"),

@@ -129,6 +129,7 @@ const std::vector<Row>& Rows() {
         R<Ruvex::TrackClipElement>("TrackClip"),
         R<Orvia::TrackClippedData>("ClippedData"),
         R<Orvia::LinearObject>("Linear"),
+        R<Orvia::SubPart>("SubParts"),
         R<Orvia::Zone>("Area"),
         R<Orvia::VehicleAuthorisation>("VehicleType"),
         R<Orvia::SoftGroundPropertiesElement>("SoftGroundProperties"),
