@@ -170,6 +170,7 @@ bool Network::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser*
         parser->ReportProblem(element, "<Network> of format 2.2.2 or older: this layout is not read");
         return false;
     }
+    m_formatVersion = parser->GetVersion();
     if (!NetworkElement::LoadFromXMLElement(element, parser)) return false;
     AdoptExternal(m_GlobalTerrainElement);
     AdoptExternal(m_RollingSurfaceElement);

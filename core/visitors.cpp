@@ -8,7 +8,13 @@
 
 namespace Orvia {
 
-void OrviaVisitor::Traverse(Ruvex::MaterialElement*) {}
+void OrviaVisitor::Traverse(Ruvex::MaterialElement* material) {
+    if (!material) return;
+    for (Ruvex::MaterialChanelElement* chanel : material->GetChanels())
+        Traverse(chanel);
+}
+
+void OrviaVisitor::Traverse(Ruvex::MaterialChanelElement*) {}
 void OrviaVisitor::Traverse(ExternalElement*) {}
 void OrviaVisitor::Traverse(SubNetwork*) {}
 void OrviaVisitor::EndTraverse(SubNetwork*) {}
@@ -67,6 +73,10 @@ void PathModeVisitor::Traverse(Ruvex::MaterialElement* material) {
     if (!material) return;
     material->SetFilePath(ApplyMode(material->GetFilePath()));
     OrviaVisitor::Traverse(material);
+}
+
+void PathModeVisitor::Traverse(Ruvex::MaterialChanelElement* chanel) {
+    if (chanel) chanel->SetFilePath(ApplyMode(chanel->GetFilePath()));
 }
 
 void PathModeVisitor::Traverse(ExternalElement* element) {

@@ -169,6 +169,13 @@ void SubNetwork::MakeNamesUnique() {
     MakeListUnique(m_Profiles);
     MakeListUnique(m_Markings);
     MakeListUnique(m_Materials);
+    MakeListUnique(m_Grounds);
+    MakeListUnique(m_TrafficLightGroups);
+    MakeListUnique(m_TrajectoryParts);
+    MakeListUnique(m_Trajectories);
+    MakeListUnique(m_ParkingSpots);
+    MakeListUnique(m_Zones);
+    MakeListUnique(m_EntitiesGenerations);
 }
 
 void SubNetwork::MergeWith(SubNetwork* other) {
@@ -200,6 +207,13 @@ void SubNetwork::MergeWith(SubNetwork* other) {
     AppendRenamed(m_JunctionTracks, other->m_JunctionTracks);
     AppendRenamed(m_Markings, other->m_Markings);
     AppendRenamed(m_Materials, other->m_Materials);
+    AppendRenamed(m_Grounds, other->m_Grounds);
+    AppendRenamed(m_TrafficLightGroups, other->m_TrafficLightGroups);
+    AppendRenamed(m_TrajectoryParts, other->m_TrajectoryParts);
+    AppendRenamed(m_Trajectories, other->m_Trajectories);
+    AppendRenamed(m_ParkingSpots, other->m_ParkingSpots);
+    AppendRenamed(m_Zones, other->m_Zones);
+    AppendRenamed(m_EntitiesGenerations, other->m_EntitiesGenerations);
 
     for (const auto& item : m_Intersections)
         if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);

@@ -7,6 +7,7 @@
 #include <orvia/vek/vector.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -171,6 +172,10 @@ public:
     // Creates the generated terrain material element when there is none and stores `material` in it.
     void SetGeneratedTerrainMaterial(Ruvex::MaterialElement* material);
 
+    // Format version (Ruvex::MakeVersionID) of the document the network was read from; the version this
+    // library writes for a network made in memory.
+    uint32_t GetFormatVersion() const { return m_formatVersion; }
+
     const std::string& getFileName() const { return m_fileName; }
     void setFileName(const std::string& fileName) { m_fileName = fileName; }
 
@@ -191,6 +196,7 @@ private:
 
     std::map<size_t, Ruvex::CountedPtr<BackGroundImage>> m_backgroundImages;
     std::string m_fileName;
+    uint32_t m_formatVersion = Ruvex::kCurrentVersion;
 };
 
 }  // namespace Orvia

@@ -6,8 +6,9 @@
 #include <vector>
 
 namespace Ruvex {
+class MaterialChanelElement;
 class MaterialElement;
-}
+}  // namespace Ruvex
 
 namespace Orvia {
 
@@ -18,8 +19,9 @@ class SubNetwork;
 // Calls one overridable operation per file reference. Every operation accepts null and then does nothing.
 class OrviaVisitor {
 public:
-    // A material's own file.
+    // A material: by default, each of its eight channels in stored order (absent ones as null).
     virtual void Traverse(Ruvex::MaterialElement* material);
+    virtual void Traverse(Ruvex::MaterialChanelElement* chanel);
     virtual void Traverse(ExternalElement* element);
     // Around everything inside a sub-network.
     virtual void Traverse(SubNetwork* subNetwork);
@@ -52,7 +54,9 @@ public:
     const std::vector<std::string>& GetSearchPaths() const { return m_searchPaths; }
 
     using OrviaVisitor::Traverse;
+    // The material's own file, then its channels.
     void Traverse(Ruvex::MaterialElement* material) override;
+    void Traverse(Ruvex::MaterialChanelElement* chanel) override;
     void Traverse(ExternalElement* element) override;
     // A sub-network with a proxy file: the proxy path is converted and its directory is searched first until
     // EndTraverse.

@@ -1,0 +1,37 @@
+#pragma once
+
+// The subcommands of the orvia tool. Each returns the process exit code: 0 on success, 1 when the network
+// cannot be read, written or queried (after printing one line "file:line:column: message" to stderr).
+
+#include <string>
+#include <vector>
+
+namespace OrviaTool {
+
+struct InfoOptions {
+    std::string file;
+    bool json = false;
+};
+int RunInfo(const InfoOptions& options);
+
+struct ConvertOptions {
+    std::string input;
+    std::string output;
+    bool relativePaths = false;
+    bool absolutePaths = false;
+    // Directories for --absolute-paths; empty means the input file's directory.
+    std::vector<std::string> searchPaths;
+};
+int RunConvert(const ConvertOptions& options);
+
+struct GeoOptions {
+    std::string file;
+    std::vector<double> toWgs84;  // local x y z (metres), or empty
+    std::vector<double> toLocal;  // latitude longitude (degrees) elevation (metres), or empty
+};
+int RunGeo(const GeoOptions& options);
+
+// Prints the element layer's first problem (or `fallback` about `file` when it recorded none) and returns 1.
+int Fail(const std::string& file, const std::string& fallback);
+
+}  // namespace OrviaTool

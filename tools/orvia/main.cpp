@@ -1,0 +1,54 @@
+// orvia: inspect, convert and georeference network files.
+
+#include "commands.h"
+
+#include <CLI/CLI.hpp>
+
+int main(int argc, char** argv) {
+    CLI::App app{"Inspect, convert and georeference Orvia network files."};
+    app.require_subcommand(1);
+
+    OrviaTool::InfoOptions info;
+    CLI::App* infoCommand =
+        app.add_subcommand("info", "Summarise a network: version, names, counts, extent.");
+    infoCommand->add_option("FILE", info.file, "Network file")->required();
+    infoCommand->add_flag("--json", info.json, "Print the summary as one JSON object");
+
+    OrviaTool::ConvertOptions convert;
+    CLI::App* convertCommand =
+        app.add_subcommand("convert", "Read a network and write it back in the current format.");
+    convertCommand->add_option("IN", convert.input, "Network file to read")->required();
+    convertCommand->add_option("OUT", convert.output, "File to write")->required();
+    CLI::Option* relative = convertCommand->add_flag("--relative-paths", convert.relativePaths,
+                                                     "Make external file paths relative to OUT's directory");
+    CLI::Option* absolute =
+        convertCommand
+            ->add_option("--absolute-paths", convert.searchPaths,
+                         "Make external file paths absolute, looking for each file in the DIRs in order "
+                         "(IN's directory when none is given)")
+            ->expected(0, CLI::detail::expected_max_vector_size)
+            ->type_name("DIR");
+    relative->excludes(absolute);
+
+    OrviaTool::GeoOptions geo;
+    CLI::App* geoCommand =
+        app.add_subcommand("geo", "Convert a point between the network's local frame and WGS84.");
+    geoCommand->add_option("FILE", geo.file, "Network file")->required();
+    CLI::App* direction = geoCommand->add_option_group("direction", "The conversion to make");
+    direction
+        ->add_option("--to-wgs84", geo.toWgs84,
+                     "Local point X Y Z (metres) to latitude, longitude, elevation")
+        ->expected(3);
+    direction->add_option("--to-local", geo.toLocal, "LAT LON (degrees) ELEV (metres) to the local point")
+        ->expected(3);
+    direction->require_option(1);
+
+    CLI11_PARSE(app, argc, argv);
+
+    if (*infoCommand) return OrviaTool::RunInfo(info);
+    if (*convertCommand) {
+        convert.absolutePaths = absolute->count() > 0;
+        return OrviaTool::RunConvert(convert);
+    }
+    return OrviaTool::RunGeo(geo);
+}
