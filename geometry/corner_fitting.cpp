@@ -44,12 +44,29 @@ double CTriPointControlledAnalytic::_F(double x, double theta, double r, CFresne
            std::sqrt(x) * (sine * fresnel.C(x) - (cosine + r) * fresnel.S(x));
 }
 
+double CTriPointControlledAnalytic::SolveFirstTurn(double theta, double r, CFresnelIntegralsFunc& fresnel) {
+    const double f0 = _F(0, theta, r, fresnel);
+    const double f1 = _F(theta, theta, r, fresnel);
+    if (f1 < f0) throw CornerFittingError(kUnexpectedBounds);
+    if (f0 >= 0) throw CornerFittingError(kUnexpectedLowerBound);
+    if (f1 <= 0) return theta;
+    double lo = 0, hi = theta;
+    for (int i = 0; i < kMaxBisections && hi - lo > kRootBracket; ++i) {
+        const double mid = 0.5 * (lo + hi);
+        if (mid <= lo || mid >= hi) break;
+        (_F(mid, theta, r, fresnel) < 0 ? lo : hi) = mid;
+    }
+    return 0.5 * (lo + hi);
+}
+
 bool CTriPointControlledAnalytic::_Create(double Ax, double Ay, double Px, double Py, double Bx, double By,
                                           bool reversed) {
     const vek::Vector2 a(Ax, Ay), p(Px, Py), b(Bx, By);
     const double d1 = (p - a).norm();
     const double d2 = (p - b).norm();
-    if (d1 < kMinLegLength || d2 < kMinLegLength) return false;
+    // Written so that NaN and infinite coordinates are refused too.
+    if (!(d1 >= kMinLegLength && d2 >= kMinLegLength) || !std::isfinite(d1) || !std::isfinite(d2))
+        return false;
     if (d2 > d1) return _Create(Bx, By, Px, Py, Ax, Ay, !reversed);
     const double r = d1 / d2;
 
@@ -79,21 +96,7 @@ bool CTriPointControlledAnalytic::_Create(double Ax, double Ay, double Px, doubl
         return done;
     }
 
-    // theta1: the turn of the first clothoid, root of _F in [0, theta].
-    const double f0 = _F(0, theta, r, fresnel);
-    const double f1 = _F(theta, theta, r, fresnel);
-    if (f1 < f0) throw CornerFittingError(kUnexpectedBounds);
-    if (f0 >= 0) throw CornerFittingError(kUnexpectedLowerBound);
-    double theta1 = theta;
-    if (f1 > 0) {
-        double lo = 0, hi = theta;
-        for (int i = 0; i < kMaxBisections && hi - lo > kRootBracket; ++i) {
-            const double mid = 0.5 * (lo + hi);
-            if (mid <= lo || mid >= hi) break;
-            (_F(mid, theta, r, fresnel) < 0 ? lo : hi) = mid;
-        }
-        theta1 = 0.5 * (lo + hi);
-    }
+    const double theta1 = SolveFirstTurn(theta, r, fresnel);
     const double theta2 = theta - theta1;
 
     // A clothoid turning by phi from zero curvature up to kappa ends at (C(phi), S(phi)) * sqrt(2 pi phi) /

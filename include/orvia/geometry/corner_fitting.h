@@ -62,6 +62,10 @@ protected:
     // of ratio r = long / short; 0 where the pair ends on the far leg. Throws kOutOfRange unless
     // 0 <= x <= theta.
     static double _F(double x, double theta, double r, CFresnelIntegralsFunc& fresnel);
+    // The root of _F in [0, theta] (theta when _F(theta) <= 0), bisected to a few ulps. Throws
+    // kUnexpectedBounds when _F(theta) < _F(0) and kUnexpectedLowerBound when _F(0) >= 0: neither happens for
+    // a corner with 0 < theta < pi and r >= 1.
+    static double SolveFirstTurn(double theta, double r, CFresnelIntegralsFunc& fresnel);
 
 private:
     double m_limitBlender = 0.75;
