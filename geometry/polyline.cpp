@@ -20,6 +20,7 @@ constexpr double kMinCurveLength = 1e-5;
 constexpr size_t kNearestSamplesPerPoint = 16;
 constexpr size_t kMinNearestSamples = 64;
 constexpr int kNearestRefinements = 60;
+constexpr int kNearestProjections = 3;
 
 using EType = Ruvex::PolyLineElement::EType;
 
@@ -257,6 +258,14 @@ double PolyLine::GetPointDataFromGlobalPoint(const vek::Vector2& global, PointDa
         }
     }
     double s = 0.5 * (lo + hi);
+    // A bracket on a squared distance only narrows to sqrt(epsilon); projecting onto the local tangent gives
+    // the rest.
+    for (int i = 0; i < kNearestProjections; ++i) {
+        const PointData at = GetPointData(s);
+        const double next = std::clamp(s + (global - at.position).dot(at.GetTangent()), 0.0, length);
+        if (distance(next) > distance(s)) break;
+        s = next;
+    }
     // The coarse best may sit on an end that the refinement bracket does not improve on.
     if (distance(static_cast<double>(best) * step) < distance(s)) s = static_cast<double>(best) * step;
     sample = GetPointData(s);
