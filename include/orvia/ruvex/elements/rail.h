@@ -47,8 +47,8 @@ class TrackLinkedEndElement : public ::Ruvex::NamedElement {
 
 // A reference to another rail object by its name (empty when the reference names nothing, as an open end or
 // a buffer end may). Saved under the tag it was created with: "OpenEnd", "BufferEnd", "LinkedEnd",
-// "SwitchEnd", "ConnectionReference". The rail records hold references as plain elements, so that a host's
-// own reference class need not derive from this one.
+// "SwitchEnd", "ConnectionReference". A host's reference class derives from this one, so that the
+// rail records accept it.
 #define RAIL_REFERENCE_TABLE(F) F(ATTR, std::string, Name, "name", "")
 
 class ReferenceElement : public ::Ruvex::Element {
@@ -86,7 +86,7 @@ class CrossingElement : public ConnectionElement {
 
 // Where a track meets a switch or crossing.
 #define RAIL_CONNECTION_POINT_TABLE(F)                                     \
-    F(CHILD, ::Ruvex::Element, ConnectionReference, "ConnectionReference") \
+    F(CHILD, ReferenceElement, ConnectionReference, "ConnectionReference") \
     F(CHILD, QuoteElement, Quote, "Quote")
 
 class ConnectionPointElement : public ::Ruvex::Element {
@@ -244,8 +244,8 @@ class StationElement : public ::Ruvex::NamedElement {
     F(CHILD, ::Ruvex::XYCurveElement, XYCurve, "XYCurve")                                       \
     F(CHILD, ::Ruvex::CartesianCurveElement, SZCurve, "SZCurve")                                \
     F(CHILD, ::Ruvex::CartesianCurveElement, BankingCurve, "BankingCurve")                      \
-    F(CHILD, ::Ruvex::Element, StartEnd, RAIL_END_TAGS)                                         \
-    F(CHILD, ::Ruvex::Element, EndEnd, RAIL_END_TAGS)                                           \
+    F(CHILD, ReferenceElement, StartEnd, RAIL_END_TAGS)                                         \
+    F(CHILD, ReferenceElement, EndEnd, RAIL_END_TAGS)                                           \
     F(LIST_IN, MileageAnchorElement, MileageAnchors, "MileageAnchors", "MileageAnchor")         \
     F(LIST_IN, ConnectionPointElement, ConnectionPoints, "ConnectionPoints", "ConnectionPoint") \
     F(LIST_IN, PropertySpanElement, PropertySpans, "PropertySpans", "PropertySpan")             \
