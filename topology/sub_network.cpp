@@ -4,6 +4,7 @@
 #include <orvia/core/network.h>
 #include <orvia/core/unique_name.h>
 #include <orvia/topology/intersection.h>
+#include <orvia/topology/road.h>
 #include <orvia/topology/track.h>
 
 #include <unordered_set>
@@ -203,7 +204,21 @@ void SubNetwork::MergeWith(SubNetwork* other) {
                 }
     }
     AppendRenamed(m_Profiles, other->m_Profiles);
+
+    // Road pieces over an incoming track follow it to this sub-network, under its new name if it gets one.
+    std::vector<std::pair<Ruvex::RoadPieceElement*, const Track*>> followers;
+    if (const Network* network = m_network ? m_network : other->m_network)
+        for (size_t r = 0; r < network->GetRoadCount(); ++r)
+            if (const Road* road = network->GetRoad(r))
+                for (const auto& piece : road->GetPieces())
+                    if (piece && piece->GetSubNetworkName() == other->GetName())
+                        if (const Track* track = other->GetTrackByName(piece->GetTrackName()))
+                            followers.emplace_back(piece.Get(), track);
     AppendRenamed(m_Tracks, other->m_Tracks);
+    for (const auto& [piece, track] : followers) {
+        piece->SetSubNetworkName(GetName());
+        piece->SetTrackName(track->GetName());
+    }
     AppendRenamed(m_JunctionTracks, other->m_JunctionTracks);
     AppendRenamed(m_Markings, other->m_Markings);
     AppendRenamed(m_Materials, other->m_Materials);
