@@ -1,0 +1,242 @@
+#include <orvia/core/external_element.h>
+#include <orvia/core/network.h>
+#include <orvia/core/user_data.h>
+#include <orvia/ruvex/factory.h>
+#include <orvia/topology/intersection.h>
+#include <orvia/topology/road.h>
+#include <orvia/topology/sub_network.h>
+#include <orvia/topology/track.h>
+
+#include <gtest/gtest.h>
+
+#include <numbers>
+#include <string>
+
+using Orvia::Network;
+using Orvia::SubNetwork;
+using Orvia::Track;
+using Ruvex::CountedPtr;
+
+namespace {
+
+// A rotation by a non-exact pi / 2 and back.
+constexpr double kLengthToleranceM = 1e-9;
+
+CountedPtr<Network> LoadNetwork(const std::string& networkElement) {
+    const std::string text = "<Ruvex version=\"2.5\">" + networkElement + "</Ruvex>";
+    CountedPtr<Network> network(Network::Load(text.c_str(), 0, {}));
+    EXPECT_TRUE(network) << (Ruvex::GetLastProblems().empty() ? ""
+                                                              : Ruvex::ToString(Ruvex::GetLastProblems()[0]));
+    return network;
+}
+
+std::string UniqueTrackName(std::initializer_list<const char*> tracks, const std::string& requested) {
+    CountedPtr<SubNetwork> subNetwork(new SubNetwork);
+    for (const char* name : tracks) {
+        CountedPtr<Track> track(new Track(subNetwork.Get()));
+        track->SetName(name);
+        subNetwork->EditTracks().push_back(track);
+    }
+    return subNetwork->GetUniqueTrackName(requested);
+}
+
+}  // namespace
+
+TEST(SubNetwork, UniqueTrackNames) {
+    EXPECT_EQ(UniqueTrackName({"Road 1"}, "Road"), "Road");
+    EXPECT_EQ(UniqueTrackName({"Road", "Road 1"}, "Road"), "Road 2");
+    EXPECT_EQ(UniqueTrackName({"Road"}, "Road"), "Road 1");
+    EXPECT_EQ(UniqueTrackName({"Road 7", "Road 9"}, "Road 7"), "Road 8");
+    EXPECT_EQ(UniqueTrackName({"Road", "Roadside 7"}, "Road"), "Road 8");
+
+    CountedPtr<SubNetwork> subNetwork(new SubNetwork);
+    Track* first = subNetwork->CreateTrack("Track");
+    Track* second = subNetwork->CreateTrack("Track");
+    EXPECT_EQ(first->GetName(), "Track");
+    EXPECT_EQ(second->GetName(), "Track 1");
+    EXPECT_EQ(second->GetSubNetwork(), subNetwork.Get());
+    EXPECT_EQ(subNetwork->GetTrackIndex(second), 1u);
+    EXPECT_EQ(subNetwork->GetTrackByName("Track 1"), second);
+    EXPECT_EQ(subNetwork->GetTrackByName("track 1"), nullptr);
+    EXPECT_EQ(subNetwork->GetTrack(2), nullptr);
+    CountedPtr<Track> stranger(new Track);
+    EXPECT_EQ(subNetwork->GetTrackIndex(stranger.Get()), SubNetwork::npos);
+
+    Orvia::Intersection* crossing = subNetwork->CreateIntersection(vek::Vector3(1, 2, 3), "X");
+    EXPECT_EQ(subNetwork->CreateIntersection(vek::Vector3(), "X")->GetName(), "X 1");
+    EXPECT_EQ(crossing->GetPosition(), vek::Vector3(1, 2, 3));
+    EXPECT_EQ(crossing->GetInSubNetwork(), subNetwork.Get());
+    EXPECT_EQ(subNetwork->GetIntersectionIndex(crossing), 0u);
+    EXPECT_EQ(subNetwork->GetIntersectionByIndex(2), nullptr);
+}
+
+TEST(SubNetwork, PostLoadLinksTrackEnds) {
+    CountedPtr<Network> network = LoadNetwork(R"(<Network><SubNetworks><SubNetwork name="S">
+  <Intersections><Intersection name="P"/><Intersection name="Q"/><Intersection/></Intersections>
+  <Tracks>
+    <Track name="PQ" startIntersectionName="P" endIntersectionName="Q"/>
+    <Track name="Loop" startIntersectionName="Q" endIntersectionName="Q"/>
+    <Track name="Lost" startIntersectionName="Nowhere" endIntersectionName=""/>
+  </Tracks></SubNetwork></SubNetworks></Network>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    EXPECT_EQ(s->GetNetwork(), network.Get());
+    EXPECT_EQ(s->GetIndexInNetwork(), 0u);
+    Orvia::Intersection* p = s->GetIntersectionByName("P");
+    Orvia::Intersection* q = s->GetIntersectionByName("Q");
+    EXPECT_EQ(p->GetInSubNetwork(), s);
+    EXPECT_EQ(p->GetNetwork(), network.Get());
+    Track* pq = s->GetTrackByName("PQ");
+    EXPECT_EQ(pq->GetSubNetwork(), s);
+    EXPECT_EQ(pq->GetStartIntersection(), p);
+    EXPECT_EQ(pq->GetEndIntersection(), q);
+    EXPECT_EQ(pq->FindStartNode(), p);
+    EXPECT_EQ(s->GetTrackByName("Loop")->GetStartIntersection(), q);
+    Track* lost = s->GetTrackByName("Lost");
+    EXPECT_EQ(lost->GetStartIntersection(), nullptr);
+    EXPECT_EQ(lost->GetStartIntersectionName(), "Nowhere");
+    // An empty name is a free end even though an intersection bears no name.
+    EXPECT_EQ(lost->GetEndIntersection(), nullptr);
+    EXPECT_EQ(lost->FindEndNode(), nullptr);
+
+    lost->SetStartIntersection(p);
+    EXPECT_EQ(lost->GetStartIntersectionName(), "P");
+    lost->SetStartIntersection(nullptr);
+    EXPECT_EQ(lost->GetStartIntersectionName(), "");
+}
+
+TEST(Intersection, SetNameRenamesTheTrackEndsThatNamedIt) {
+    CountedPtr<Network> network = LoadNetwork(R"(<Network><SubNetworks><SubNetwork name="S">
+  <Intersections><Intersection name="P"/><Intersection name="Q"/></Intersections>
+  <Tracks>
+    <Track name="PQ" startIntersectionName="P" endIntersectionName="Q"/>
+    <Track name="Loop" startIntersectionName="Q" endIntersectionName="Q"/>
+  </Tracks></SubNetwork></SubNetworks></Network>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    s->GetIntersectionByName("Q")->SetName("Square");
+    EXPECT_EQ(s->GetTrackByName("PQ")->GetStartIntersectionName(), "P");
+    EXPECT_EQ(s->GetTrackByName("PQ")->GetEndIntersectionName(), "Square");
+    EXPECT_EQ(s->GetTrackByName("Loop")->GetStartIntersectionName(), "Square");
+    EXPECT_EQ(s->GetTrackByName("Loop")->GetEndIntersectionName(), "Square");
+    EXPECT_EQ(s->GetIntersectionByName("Square"), s->GetIntersectionByIndex(1));
+
+    // Without a sub-network only the intersection changes.
+    CountedPtr<Orvia::Intersection> alone(new Orvia::Intersection);
+    alone->SetName("Alone");
+    EXPECT_EQ(alone->GetName(), "Alone");
+}
+
+TEST(Track, SetNameRenamesItsRoadPieces) {
+    CountedPtr<Network> network = LoadNetwork(R"(<Network><SubNetworks>
+  <SubNetwork name="S"><Tracks><Track name="T"/></Tracks></SubNetwork>
+  <SubNetwork name="O"><Tracks><Track name="T"/></Tracks></SubNetwork></SubNetworks>
+  <Roads><Road name="R"><RoadElement subNetwork="S" track="T"/><RoadElement subNetwork="O" track="T"/>
+  <RoadElement subNetwork="S" track="T" inverted="true"/></Road></Roads></Network>)");
+    ASSERT_TRUE(network);
+    Track* track = network->GetSubNetworkByName("S")->GetTrackByName("T");
+    track->SetName("Renamed");
+    Orvia::Road* road = network->GetRoad(0);
+    EXPECT_EQ(road->GetRoadPiece(0)->GetTrackName(), "Renamed");
+    EXPECT_EQ(road->GetRoadPiece(1)->GetTrackName(), "T");
+    EXPECT_EQ(road->GetRoadPiece(2)->GetTrackName(), "Renamed");
+    EXPECT_EQ(road->GetTrack(2, network.Get()), track);
+    EXPECT_EQ(network->GetSubNetworkByName("S")->GetTrackByName("Renamed"), track);
+}
+
+TEST(Track, RoadIndices) {
+    CountedPtr<Track> track(new Track);
+    track->AddRoad(4);
+    track->AddRoad(2);
+    track->AddRoad(4);
+    EXPECT_EQ(track->GetInRoad(), (std::vector<uint64_t>{4, 2}));
+    track->ReplaceRoad(4, 7);
+    track->ReplaceRoad(9, 1);
+    EXPECT_EQ(track->GetInRoad(), (std::vector<uint64_t>{7, 2}));
+    track->RemoveRoad(7);
+    track->RemoveRoad(8);
+    EXPECT_EQ(track->GetInRoad(), (std::vector<uint64_t>{2}));
+    EXPECT_EQ(track->GetInRoad(0), nullptr);  // no network to ask
+    EXPECT_TRUE(track->GetBoundingBox().isEmpty());
+}
+
+TEST(Track, UserDataAreSavedAfterTheTrackOwnChildren) {
+    CountedPtr<Network> network = LoadNetwork(R"(<Network><SubNetworks><SubNetwork name="S"><Tracks>
+  <Track name="T"><QuenbelData><Line value="x"/></QuenbelData><XYCurve><Segment length="5"/></XYCurve></Track>
+  </Tracks></SubNetwork></SubNetworks></Network>)");
+    ASSERT_TRUE(network);
+    Track* track = network->GetSubNetwork(0)->GetTrack(0);
+    ASSERT_EQ(track->GetUserDataCount(), 1u);
+    const std::string saved = Ruvex::SaveToString(track);
+    ASSERT_NE(saved.find("<QuenbelData"), std::string::npos);
+    EXPECT_LT(saved.find("<XYCurve"), saved.find("<QuenbelData"));
+}
+
+TEST(SubNetwork, MergeWithMovesAndRenamesIncomingMembers) {
+    CountedPtr<Network> network = LoadNetwork(R"(<Network><SubNetworks>
+  <SubNetwork name="Keep">
+    <Profiles><Profile name="Lanes"/></Profiles>
+    <Intersections><Intersection name="X"/></Intersections>
+    <Tracks><Track name="T" startIntersectionName="X"/></Tracks>
+  </SubNetwork>
+  <SubNetwork name="Gone">
+    <Materials><Material name="Asphalt"/></Materials>
+    <Profiles><Profile name="Lanes"/><Profile name="Wide"/></Profiles>
+    <Intersections><Intersection name="X"/></Intersections>
+    <Tracks><Track name="T" startIntersectionName="X"><Portion endDistance="5" startProfileName="Lanes" endProfileName="Wide"/></Track></Tracks>
+  </SubNetwork></SubNetworks>
+  <Roads><Road name="R"><RoadElement subNetwork="Gone" track="T"/><RoadElement subNetwork="Gone" track="Z"/></Road></Roads>
+</Network>)");
+    ASSERT_TRUE(network);
+    SubNetwork* keep = network->GetSubNetwork(0);
+    SubNetwork* gone = network->GetSubNetwork(1);
+    Track* incoming = gone->GetTrack(0);
+    keep->MergeWith(gone);
+    EXPECT_EQ(gone->GetTrackCount(), 0u);
+    EXPECT_EQ(gone->GetIntersectionCount(), 0u);
+    EXPECT_TRUE(gone->GetProfiles().empty());
+    ASSERT_EQ(keep->GetTrackCount(), 2u);
+    EXPECT_EQ(keep->GetTrack(1), incoming);
+    EXPECT_EQ(incoming->GetName(), "T 1");
+    EXPECT_EQ(incoming->GetSubNetwork(), keep);
+    EXPECT_EQ(incoming->GetStartIntersectionName(), "X 1");
+    EXPECT_EQ(keep->GetIntersectionByName("X 1")->GetInSubNetwork(), keep);
+    EXPECT_EQ(keep->GetTrack(0)->GetStartIntersectionName(), "X");
+    EXPECT_EQ(incoming->GetPortions()[0]->GetStartProfileName(), "Lanes 1");
+    EXPECT_EQ(incoming->GetPortions()[0]->GetEndProfileName(), "Wide");
+    EXPECT_EQ(keep->GetMaterials().size(), 1u);
+    // The road piece over the moved track follows it; the one naming no track of it stays.
+    const Orvia::Road* road = network->GetRoad(0);
+    EXPECT_EQ(road->GetRoadPiece(0)->GetSubNetworkName(), "Keep");
+    EXPECT_EQ(road->GetRoadPiece(0)->GetTrackName(), "T 1");
+    EXPECT_EQ(road->GetRoadPiece(1)->GetSubNetworkName(), "Gone");
+}
+
+TEST(SubNetwork, PlacementAndFiles) {
+    CountedPtr<Network> network = LoadNetwork(R"(<Network><SubNetworks>
+  <SubNetwork name="S" x="100" y="20" z="3" heading="1.5707963267948966">
+    <ProxyFile filePath="proxy.xml"/><ExternalTerrain filePath="t.obj"/>
+    <ExternalSurface filePath="r.srf"/><ExternalPhysicSurface filePath="p.phy"/>
+  </SubNetwork></SubNetworks></Network>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    const vek::Vector3 placed = s->GetTransform().apply(vek::Vector3(10, 0, 1));
+    EXPECT_NEAR(placed.x, 100, kLengthToleranceM);
+    EXPECT_NEAR(placed.y, 30, kLengthToleranceM);
+    EXPECT_NEAR(placed.z, 4, kLengthToleranceM);
+    const vek::Vector3 back = s->GetInverseTransform().apply(placed);
+    EXPECT_NEAR(back.x, 10, kLengthToleranceM);
+    EXPECT_NEAR(back.y, 0, kLengthToleranceM);
+
+    ASSERT_NE(s->GetProxyFile(), nullptr);
+    EXPECT_EQ(s->GetProxyFile()->GetTagName(), "ProxyFile");
+    EXPECT_EQ(s->GetTerrain()->GetFilePath(), "t.obj");
+    EXPECT_EQ(s->GetRollingSurface()->GetFilePath(), "r.srf");
+    ASSERT_NE(s->GetPhysicalSurface(), nullptr);
+    EXPECT_EQ(s->GetPhysicalSurface()->GetTagName(), "ExternalPhysicSurface");
+
+    s->SetPositionAndHeading(vek::Vector3(1, 2, 3), 0.25);
+    EXPECT_EQ(s->GetPosition(), vek::Vector3(1, 2, 3));
+    EXPECT_EQ(s->GetHeading(), 0.25);
+    EXPECT_TRUE(s->BuildBoundingBox().isEmpty());
+}
