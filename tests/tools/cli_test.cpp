@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+class OrviaTool : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = std::filesystem::temp_directory_path() /
+               ("orvia_cli_test_" +
+                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+        std::filesystem::create_directories(dir_);
+    }
+    void TearDown() override { std::filesystem::remove_all(dir_); }
+
+    // Runs the tool with `arguments` (already quoted for the shell).
+    Outcome Orvia(const std::string& arguments) const {
+        const std::filesystem::path out = dir_ / "stdout.txt";
+        const std::filesystem::path err = dir_ / "stderr.txt";
+        const std::string command = std::string("'") + ORVIA_CLI + "' " + arguments + " >'" + out.string() +
+                                    "' 2>'" + err.string() + "'";
+        const int raw = std::system(command.c_str());
+        Outcome run;
+        run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        run.out = ReadFile(out);
+        run.err = ReadFile(err);
+        return run;
+    }
+
+    std::string Write(const std::string& name, const std::string& text) const {
+        const std::filesystem::path path = dir_ / name;
+        std::ofstream(path) << text;
+        return path.string();
+    }
+
+    std::filesystem::path dir_;
+    const std::string example_ = std::string(ORVIA_SOURCE_DIR) + "/examples/city_centre.xml";
+};
+
+}  // namespace
+
+TEST_F(OrviaTool, InfoSummarisesTheNetwork) {
+    Outcome text = Orvia("info '" + example_ + "'");
+    EXPECT_EQ(text.status, 0) << text.err;
+    EXPECT_NE(text.out.find("format version: 2.5.0\n"), std::string::npos) << text.out;
+    EXPECT_NE(text.out.find("name:           City Centre\n"), std::string::npos);
+    EXPECT_NE(text.out.find("traffic hand:   right-hand\n"), std::string::npos);
+    EXPECT_NE(text.out.find("projection:     RGF93 v1 / Lambert-93\n"), std::string::npos);
+    EXPECT_NE(text.out.find("sub-networks:   2\n"), std::string::npos);
+    EXPECT_NE(text.out.find("junctions:      1\n"), std::string::npos);
+    EXPECT_NE(text.out.find("roads:          2\n"), std::string::npos);
+    EXPECT_NE(text.out.find("tracks:         6\n"), std::string::npos);
+    EXPECT_NE(text.out.find("intersections:  5\n"), std::string::npos);
+    EXPECT_NE(text.out.find("bounding box:   (0, "), std::string::npos);
+    EXPECT_TRUE(text.err.empty());
+
+    Outcome json = Orvia("info --json '" + example_ + "'");
+    EXPECT_EQ(json.status, 0);
+    EXPECT_NE(json.out.find(
+                  "\"subNetworks\": 2, \"junctions\": 1, \"roads\": 2, \"tracks\": 6, \"intersections\": 5"),
+              std::string::npos)
+        << json.out;
+    EXPECT_EQ(json.out.front(), '{');
+    EXPECT_EQ(json.out.substr(json.out.size() - 2), "}\n");
+
+    const std::string empty =
+        Write("empty.xml", R"(<Ruvex version="2.4"><Network name="Say &quot;hi&quot;"/></Ruvex>)");
+    Outcome bare = Orvia("info --json '" + empty + "'");
+    EXPECT_EQ(bare.status, 0);
+    EXPECT_NE(bare.out.find(R"("formatVersion": "2.4.0", "name": "Say \"hi\"")"), std::string::npos)
+        << bare.out;
+    EXPECT_NE(bare.out.find(R"("boundingBox": null)"), std::string::npos);
+}
+
+TEST_F(OrviaTool, FailuresGiveOneLineWithThePlace) {
+    const std::string badValue =
+        Write("bad_value.xml",
+              "<Ruvex version=\"2.5\">\n  <Network name=\"x\">\n    <Roads><Road name=\"a\" "
+              "priorityLevel=\"high\"/></Roads>\n  </Network>\n</Ruvex>\n");
+    Outcome run = Orvia("info '" + badValue + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err,
+              badValue +
+                  ":3:13: attribute \"priorityLevel\" of <Road>: expected a non-negative integer, found "
+                  "\"high\"\n");
+    EXPECT_TRUE(run.out.empty());
+
+    const std::string notXml = Write("not_xml.xml", "<Ruvex><Network>\n</Ruvex>");
+    run = Orvia("convert '" + notXml + "' '" + (dir_ / "out.xml").string() + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(std::regex_match(run.err, std::regex(std::regex_replace(notXml, std::regex("[.]"), "\\.") +
+                                                     ":[0-9]+:[0-9]+: [^\n]+\n")))
+        << run.err;
+    EXPECT_FALSE(std::filesystem::exists(dir_ / "out.xml"));
+
+    const std::string road = Write("road.xml", R"(<Ruvex version="2.5"><Road name="R"/></Ruvex>)");
+    run = Orvia("geo '" + road + "' --to-wgs84 0 0 0");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, road + ": the file holds no network\n");
+
+    run = Orvia("info '" + (dir_ / "missing.xml").string() + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, (dir_ / "missing.xml").string() + ": cannot read the file\n");
+
+    run = Orvia("convert '" + example_ + "' '" + (dir_ / "no_such_dir" / "out.xml").string() + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("no_such_dir/out.xml"), std::string::npos);
+}
+
+TEST_F(OrviaTool, ConvertWritesWhatReadsBackTheSame) {
+    const std::string first = (dir_ / "first.xml").string();
+    const std::string second = (dir_ / "second.xml").string();
+    ASSERT_EQ(Orvia("convert '" + example_ + "' '" + first + "'").status, 0);
+    ASSERT_EQ(Orvia("convert '" + first + "' '" + second + "'").status, 0);
+    EXPECT_EQ(ReadFile(first), ReadFile(second));
+
+    // Absolute paths against given directories, then relative to the output's directory again.
+    const std::string absolute = (dir_ / "absolute.xml").string();
+    ASSERT_EQ(Orvia("convert '" + example_ + "' '" + absolute + "' --absolute-paths /data/city").status, 0);
+    EXPECT_NE(ReadFile(absolute).find("filePath=\"/data/city/terrain/city_centre_terrain.obj\""),
+              std::string::npos);
+    std::filesystem::create_directories(dir_ / "data");
+    const std::string relative = (dir_ / "data" / "relative.xml").string();
+    ASSERT_EQ(Orvia("convert '" + absolute + "' '" + relative + "' --relative-paths").status, 0);
+    EXPECT_NE(ReadFile(relative).find("filePath=\"../../../data/city/terrain/city_centre_terrain.obj\""),
+              std::string::npos)
+        << ReadFile(relative).substr(0, 4000);
+
+    EXPECT_NE(Orvia("convert '" + example_ + "' '" + relative + "' --relative-paths --absolute-paths").status,
+              0);
+    EXPECT_NE(Orvia("convert '" + example_ + "'").status, 0);
+}
+
+TEST_F(OrviaTool, GeoConvertsBothWays) {
+    Outcome origin = Orvia("geo '" + example_ + "' --to-wgs84 0 0 0");
+    EXPECT_EQ(origin.status, 0) << origin.err;
+    EXPECT_EQ(origin.out, "45.764000000 4.835700000 170.000\n");
+    Outcome back = Orvia("geo '" + example_ + "' --to-local 45.764 4.8357 170");
+    EXPECT_EQ(back.status, 0) << back.err;
+    EXPECT_TRUE(std::regex_match(back.out, std::regex("-?0\\.000 -?0\\.000 -?0\\.000\n"))) << back.out;
+    Outcome west = Orvia("geo '" + example_ + "' --to-wgs84 -100 -50.5 0");
+    EXPECT_EQ(west.status, 0);
+
+    EXPECT_NE(Orvia("geo '" + example_ + "'").status, 0);
+    EXPECT_NE(Orvia("geo '" + example_ + "' --to-wgs84 0 0 0 --to-local 1 2 3").status, 0);
+    EXPECT_NE(Orvia("geo '" + example_ + "' --to-wgs84 0 0").status, 0);
+}
+
+TEST_F(OrviaTool, HelpForEveryCommand) {
+    for (const char* command : {"--help", "info --help", "convert --help", "geo --help"}) {
+        Outcome run = Orvia(command);
+        EXPECT_EQ(run.status, 0) << command;
+        EXPECT_NE(run.out.find("Usage:"), std::string::npos) << command;
+    }
+    EXPECT_NE(Orvia("").status, 0);
+    EXPECT_NE(Orvia("frobnicate").status, 0);
+}
