@@ -5,10 +5,10 @@
 
 #include "pugi_dom.h"
 
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace Ruvex {
 
@@ -33,13 +33,26 @@ std::vector<Problem>& LastProblems() {
     return problems;
 }
 
+// Reads straight into the string when the size is known: a large document is then copied once, with no
+// stream buffer in between. A file that grows meanwhile is read to its end all the same.
 bool ReadFile(const char* path, std::string& text) {
-    std::ifstream in(path, std::ios::binary);
+    std::FILE* in = std::fopen(path, "rb");
     if (!in) return false;
-    std::ostringstream buffer;
-    buffer << in.rdbuf();
-    if (in.bad()) return false;
-    text = std::move(buffer).str();
+    std::string content;
+    if (std::fseek(in, 0, SEEK_END) == 0) {
+        const long size = std::ftell(in);
+        if (size > 0) content.resize(static_cast<size_t>(size));
+        std::rewind(in);
+    }
+    size_t filled = content.empty() ? 0 : std::fread(content.data(), 1, content.size(), in);
+    content.resize(filled);
+    char chunk[1 << 16];
+    for (size_t n; (n = std::fread(chunk, 1, sizeof chunk, in)) > 0;)
+        content.append(chunk, n);
+    const bool ok = !std::ferror(in);
+    std::fclose(in);
+    if (!ok) return false;
+    text = std::move(content);
     return true;
 }
 
