@@ -255,10 +255,11 @@ std::string Network::GetUniqueJunctionName(const std::string& requested) const {
     return GetUniqueName(requested, m_SubNetworkJunctions);
 }
 
-void Network::MakeUniquePass(bool subNetworks) {
+bool Network::MakeUniquePass(bool subNetworks) {
     const std::string& defaultName = subNetworks ? kDefaultSubNetworkName : kDefaultJunctionName;
     const size_t count = subNetworks ? m_SubNetworks.size() : m_SubNetworkJunctions.size();
     std::unordered_set<std::string> seen;
+    bool renamed = false;
     for (size_t i = 0; i < count; ++i) {
         Ruvex::NamedElement* item = subNetworks ? static_cast<Ruvex::NamedElement*>(m_SubNetworks[i].Get())
                                                 : m_SubNetworkJunctions[i].Get();
@@ -269,20 +270,24 @@ void Network::MakeUniquePass(bool subNetworks) {
         if (item->GetName().empty()) {
             // The default name is not remembered: a later member may bear it too.
             item->SetName(unique(defaultName));
+            renamed = true;
         } else if (!seen.insert(item->GetName()).second) {
             std::string fresh = unique(item->GetName());
             item->SetName(fresh);
             seen.insert(std::move(fresh));
+            renamed = true;
         }
     }
+    return renamed;
 }
 
 void Network::MakeNamesUnique() {
     MakeUniquePass(true);
     for (size_t i = 0; i < m_SubNetworks.size(); ++i)
         if (SubNetwork* subNetwork = GetSubNetwork(i)) subNetwork->MakeNamesUnique();
+    // As many passes as there are junctions; a pass that renames nothing leaves the next ones nothing to do.
     for (size_t pass = 0, passes = m_SubNetworkJunctions.size(); pass < passes; ++pass)
-        MakeUniquePass(false);
+        if (!MakeUniquePass(false)) break;
 }
 
 // ---- Sub-networks

@@ -7,8 +7,6 @@
 #include <orvia/topology/road.h>
 #include <orvia/topology/track.h>
 
-#include <unordered_set>
-
 namespace Orvia {
 
 namespace {
@@ -25,14 +23,12 @@ void AdoptExternal(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot) {
 
 template <class List>
 void MakeListUnique(List& list) {
-    std::unordered_set<std::string> seen;
     for (size_t i = 0; i < list.size(); ++i) {
         auto* item = list[i].Get();
         if (!item || item->GetName().empty()) continue;
-        if (seen.insert(item->GetName()).second) continue;
-        std::string fresh = GetUniqueName(item->GetName(), list);
-        item->SetName(fresh);
-        seen.insert(std::move(fresh));
+        // The first member bearing a name keeps it; the name index answers without building a set of names.
+        if (list.find(item->GetName()) == i) continue;
+        item->SetName(GetUniqueName(item->GetName(), list));
     }
 }
 
