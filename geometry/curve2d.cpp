@@ -1,0 +1,360 @@
+#include <orvia/geometry/curve2d.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include <orvia/geometry/clothoid_spline.h>
+#include <orvia/geometry/polyline.h>
+#include <orvia/vek/math.h>
+
+namespace Orvia {
+
+namespace {
+
+using ElementList = std::vector<Ruvex::CountedPtr<Ruvex::Element>>;
+
+// Deep copy of an element list: planar pieces are cloned, anything else is shared.
+ElementList CloneList(const ElementList& list) {
+    ElementList copy;
+    copy.reserve(list.size());
+    for (const Ruvex::CountedPtr<Ruvex::Element>& element : list) {
+        const auto* function = dynamic_cast<const ParametricFunction*>(element.Get());
+        copy.push_back(function ? Ruvex::CountedPtr<Ruvex::Element>(function->Clone()->GetElement())
+                                : element);
+    }
+    return copy;
+}
+
+// Pieces read from a file carry no placement of their own: their first control point is the curve's
+// current point, and a clothoid spline leaves it along the curve's heading.
+void ConstrainLoadedPiece(Ruvex::Element* element) {
+    if (auto* spline = dynamic_cast<ClothoidSpline*>(element)) {
+        spline->SetOriginConstraints(true, true);
+        spline->SetControlPoints(spline->GetControlPoints());
+    } else if (auto* polyline = dynamic_cast<PolyLine*>(element)) {
+        polyline->SetOriginConstraints(true, false);
+        polyline->SetControlPoints(polyline->GetControlPoints());
+    }
+}
+
+}  // namespace
+
+Curve2D::Curve2D() = default;
+
+Curve2D::Curve2D(const Curve2D& other) : Ruvex::XYCurveElement(other) {
+    m_Functions = CloneList(other.m_Functions);
+    UpdateParametricFunctionVector();
+}
+
+Curve2D& Curve2D::operator=(const Curve2D& other) {
+    if (this == &other) return *this;
+    Ruvex::XYCurveElement::operator=(other);
+    m_Functions = CloneList(other.m_Functions);
+    UpdateParametricFunctionVector();
+    return *this;
+}
+
+Curve2D::~Curve2D() = default;
+
+// ---------------------------------------------------------------------------------------------------------------
+// Pieces
+
+void Curve2D::UpdateParametricFunctionVector() {
+    m_records.clear();
+    double start = 0;
+    for (const Ruvex::CountedPtr<Ruvex::Element>& element : m_Functions) {
+        auto* function = dynamic_cast<ParametricFunction*>(element.Get());
+        if (!function) continue;
+        const double end = start + function->GetLength();
+        m_records.push_back({function, start, end});
+        start = end;
+    }
+}
+
+size_t Curve2D::ElementPosition(size_t index) const {
+    if (index >= m_records.size()) return m_Functions.size();
+    const Ruvex::Element* element = m_records[index].function->GetElement();
+    for (size_t i = 0; i < m_Functions.size(); ++i)
+        if (m_Functions[i].Get() == element) return i;
+    return m_Functions.size();
+}
+
+bool Curve2D::AddFunction(ParametricFunction* function) {
+    return InsertFunction(function, npos);
+}
+
+bool Curve2D::InsertFunction(ParametricFunction* function, size_t index) {
+    if (!function) return false;
+    const size_t position = ElementPosition(index);
+    m_Functions.insert(m_Functions.begin() + static_cast<std::ptrdiff_t>(position),
+                       Ruvex::CountedPtr<Ruvex::Element>(function->GetElement()));
+    UpdateParametricFunctionVector();
+    return true;
+}
+
+bool Curve2D::RemoveFunction(size_t first, size_t count) {
+    if (first >= m_records.size()) return false;
+    const size_t last = first + std::min(count, m_records.size() - first);
+    // Held until the list no longer names them, so that no piece dies while the list is being compacted.
+    ElementList removed;
+    for (size_t i = first; i < last; ++i)
+        removed.emplace_back(m_records[i].function->GetElement());
+    std::erase_if(m_Functions, [&removed](const Ruvex::CountedPtr<Ruvex::Element>& element) {
+        return std::find(removed.begin(), removed.end(), element) != removed.end();
+    });
+    UpdateParametricFunctionVector();
+    return true;
+}
+
+bool Curve2D::SplitFunction(size_t index, double ratio) {
+    if (index >= m_records.size()) return false;
+    ParametricFunction* second = m_records[index].function->Split(ratio);
+    if (!second) return false;
+    return InsertFunction(second, index + 1);
+}
+
+ParametricFunction* Curve2D::GetFunction(size_t index) const {
+    return index < m_records.size() ? m_records[index].function : nullptr;
+}
+
+size_t Curve2D::GetFunctionIndex(const ParametricFunction* function) const {
+    for (size_t i = 0; i < m_records.size(); ++i)
+        if (m_records[i].function == function) return i;
+    return npos;
+}
+
+size_t Curve2D::GetFunctionIndexAt(double s, size_t lo, size_t hi) const {
+    hi = std::min(hi, m_records.size());
+    if (lo >= hi) return npos;
+    for (;;) {
+        const size_t mid = lo + (hi - lo) / 2;
+        if (m_records[mid].start > s) {
+            if (mid == lo) return lo;
+            hi = mid;
+        } else if (s > m_records[mid].end) {
+            if (mid == hi - 1) return hi - 1;
+            lo = mid;
+        } else {
+            return mid;
+        }
+    }
+}
+
+size_t Curve2D::GetFunctionIndex(double s, double& startAbscissa) const {
+    const size_t i = GetFunctionIndexAt(s, 0, m_records.size());
+    if (i == npos) return npos;
+    if (m_records[i].end < s - kLengthTolerance) {
+        startAbscissa = m_records[i].end;
+        return npos;
+    }
+    startAbscissa = m_records[i].start;
+    return i;
+}
+
+double Curve2D::GetFunctionStartLength(size_t index) const {
+    return index < m_records.size() ? m_records[index].start : GetLength();
+}
+
+// ---------------------------------------------------------------------------------------------------------------
+// Geometry
+
+void Curve2D::SetLength(double length) {
+    length = std::max(length, kMinLength);
+    if (m_records.empty()) return;
+    const double current = GetLength();
+    if (std::fabs(current - length) < kLengthTolerance) return;
+    if (length <= current) {
+        double start = 0;
+        const size_t i = GetFunctionIndex(length, start);
+        if (i == npos) return;
+        m_records[i].function->SetLength(length - start);
+        if (i + 1 < m_records.size())
+            RemoveFunction(i + 1, m_records.size() - i - 1);
+        else
+            UpdateParametricFunctionVector();
+    } else {
+        Record& last = m_records.back();
+        last.function->SetLength(last.function->GetLength() + length - current);
+        last.end = last.start + last.function->GetLength();
+    }
+}
+
+PointData Curve2D::SampleRecord(size_t i, double s) const {
+    const Record& record = m_records[i];
+    return record.function->GetPointData(std::clamp(s - record.start, 0.0, record.end - record.start));
+}
+
+bool Curve2D::GetPointData(double s, double t, PointData& out) const {
+    if (m_records.empty()) return false;
+    const double length = m_records.back().end;
+    if (s >= 0 && s <= length) {
+        out = SampleRecord(GetFunctionIndexAt(s, 0, m_records.size()), s);
+        OffsetPointData(t, out);
+        return true;
+    }
+    return ComputePointDataOutside(s < 0 ? 0 : length, s, t, out);
+}
+
+void Curve2D::OffsetPointData(double t, PointData& pd) {
+    if (t == 0) return;
+    pd.position -= pd.GetNormal() * t;
+    const double k = pd.curvature;
+    if (std::fabs(k) < kStraightCurvature) {
+        const double denominator = k * t + 1;
+        pd.curvature = std::fabs(denominator) < kStraightCurvature ? 0 : k / denominator;
+    }
+}
+
+bool Curve2D::ComputePointDataOutside(double sRef, double s, double t, PointData& out) const {
+    PointData end;
+    if (!GetPointData(sRef, 0, end)) return false;
+    const vek::Vector2 tangent = end.GetTangent();
+    const vek::Vector2 left(-tangent.y, tangent.x);
+    out.position = end.position + tangent * (s - sRef) - left * t;
+    out.heading = std::atan2(tangent.y, tangent.x);
+    out.curvature = 0;
+    return true;
+}
+
+double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double tolerance,
+                                      int maxIterations) const {
+    if (m_records.empty()) return s0;
+    const double length = GetLength();
+    const double ratio = length > 0 ? s0 / length : 0;
+    if (!vek::contains(ratio, kStartRatioMin, kStartRatioMax)) s0 = 0;
+    PointData sample;
+    GetPointData(s0, 0, sample);
+    for (;;) {
+        vek::Vector2 previous = sample.position;
+        double s1 = s0 + kNewtonDamping * (p - sample.position).dot(sample.GetTangent());
+        if (!vek::contains(s1, -length, 2 * length)) {
+            // The step left the neighbourhood of the curve: start again from its start. The convergence test
+            // then compares with the end sample, the last place the restart scan of the curve looks at.
+            PointData end;
+            GetPointData(length, 0, end);
+            previous = end.position;
+            s1 = 0;
+        }
+        GetPointData(s1, 0, sample);
+        if ((previous - sample.position).norm() < tolerance || maxIterations < 1) return s1;
+        s0 = s1;
+        --maxIterations;
+    }
+}
+
+bool Curve2D::ComputeAbscissaDistOutside(const vek::Vector2& p, double sRef, double& s, double& d) const {
+    PointData end;
+    if (!GetPointData(sRef, 0, end)) return false;
+    const vek::Vector2 travel = end.GetTangent();
+    const vek::Vector2 outward = sRef == 0 ? -travel : travel;
+    const double along = outward.dot(p - end.position);
+    if (along < 0) return false;
+    const vek::Vector2 foot = end.position + outward * along;
+    const double beyond = (foot - end.position).norm();
+    s = sRef == 0 ? -beyond : sRef + beyond;
+    const double distance = (p - foot).norm();
+    d = travel.cross(p - foot) < 0 ? distance : -distance;
+    return true;
+}
+
+bool Curve2D::ComputeAbscissaDistBefore(const vek::Vector2& p, double& s, double& d) const {
+    return ComputeAbscissaDistOutside(p, 0, s, d);
+}
+
+bool Curve2D::ComputeAbscissaDistAfter(const vek::Vector2& p, double& s, double& d) const {
+    return ComputeAbscissaDistOutside(p, GetLength(), s, d);
+}
+
+// ---------------------------------------------------------------------------------------------------------------
+// Placement and whole-curve edits
+
+void Curve2D::SetOrigin(const vek::Vector2& position, double orientation) {
+    if (m_records.empty()) return;
+    ParametricFunction* first = m_records.front().function;
+    if (first->GetStartPosition() == position && first->GetStartOrientation() == orientation) return;
+    first->SetStartPosition(position);
+    first->SetStartOrientation(orientation);
+    UpdateFunctionsFromStart();
+}
+
+vek::Vector2 Curve2D::GetOriginPosition() const {
+    return m_records.empty() ? vek::Vector2() : m_records.front().function->GetStartPosition();
+}
+
+double Curve2D::GetOriginOrientation() const {
+    return m_records.empty() ? 0 : m_records.front().function->GetStartOrientation();
+}
+
+void Curve2D::UpdateFunctionsFromStart() {
+    for (size_t i = 1; i < m_records.size(); ++i) {
+        const ParametricFunction* before = m_records[i - 1].function;
+        const PointData end = before->GetPointData(before->GetLength());
+        m_records[i].function->SetStartPosition(end.position);
+        m_records[i].function->SetStartOrientation(end.heading);
+    }
+    if (!m_records.empty())
+        if (auto* polyline = dynamic_cast<PolyLine*>(m_records.back().function))
+            polyline->ComputeNaturalEndTangent();
+    UpdateParametricFunctionVector();
+}
+
+void Curve2D::Invert() {
+    std::reverse(m_Functions.begin(), m_Functions.end());
+    UpdateParametricFunctionVector();
+    for (const Record& record : m_records)
+        record.function->Invert();
+    UpdateParametricFunctionVector();
+}
+
+vek::Box2 Curve2D::GetBoundingBox() const {
+    vek::Box2 box;
+    for (const Record& record : m_records)
+        box.add(record.function->GetBoundingBox());
+    return box;
+}
+
+bool Curve2D::IsEqual(const Curve2D* other) const {
+    if (!other || other->m_records.size() != m_records.size()) return false;
+    for (size_t i = 0; i < m_records.size(); ++i)
+        if (!m_records[i].function->IsEqual(other->m_records[i].function)) return false;
+    return true;
+}
+
+void Curve2D::CopyFrom(const Curve2D* other) {
+    if (!other || other == this) return;
+    m_Functions = CloneList(other->m_Functions);
+    m_Origin = other->m_Origin;
+    m_Orientation = other->m_Orientation;
+    UpdateParametricFunctionVector();
+}
+
+void Curve2D::Clear() {
+    m_Functions.clear();
+    m_records.clear();
+}
+
+// ---------------------------------------------------------------------------------------------------------------
+// Persistence
+
+bool Curve2D::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    Clear();
+    const bool loaded = Ruvex::XYCurveElement::LoadFromXMLElement(element, parser);
+    for (const Ruvex::CountedPtr<Ruvex::Element>& piece : m_Functions)
+        ConstrainLoadedPiece(piece.Get());
+    UpdateParametricFunctionVector();
+    if (!loaded) return false;
+    // The pieces all start at the local origin; SetOrigin chains them only when it moves the first one.
+    if (GetOriginPosition() == m_Origin && GetOriginOrientation() == m_Orientation)
+        UpdateFunctionsFromStart();
+    else
+        SetOrigin(m_Origin, m_Orientation);
+    return true;
+}
+
+Ruvex::IDOMElement* Curve2D::BuildXMLElement(Ruvex::IDOMParser* parser) {
+    m_Origin = GetOriginPosition();
+    m_Orientation = GetOriginOrientation();
+    return Ruvex::XYCurveElement::BuildXMLElement(parser);
+}
+
+}  // namespace Orvia
