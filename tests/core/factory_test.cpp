@@ -8,9 +8,11 @@
 #include <orvia/core/reference.h>
 #include <orvia/core/surface.h>
 #include <orvia/core/user_data.h>
+#include <orvia/geometry/cartesian_curve.h>
 #include <orvia/geometry/circle_arc.h>
 #include <orvia/geometry/clotho_arc.h>
 #include <orvia/geometry/clothoid_spline.h>
+#include <orvia/geometry/curve2d.h>
 #include <orvia/geometry/polyline.h>
 #include <orvia/geometry/polynomial_function.h>
 #include <orvia/geometry/profile.h>
@@ -149,10 +151,11 @@ const std::vector<Row>& Rows() {
         R<QorOldData::LegacySZCurveElement>("LegacySZCurve"),
         R<QorOldData::VersionElement>("Version"),
         R<QorOldData::VersionElement>("QorVersion"),
-        R<Ruvex::CartesianCurveElement>("TrajectoryCurve"),
-        R<Ruvex::CartesianCurveElement>("SZCurve"),
-        R<Ruvex::CartesianCurveElement>("BankingCurve"),
-        R<Ruvex::XYCurveElement>("XYCurve"),
+        R<Orvia::CartesianCurve>("TrajectoryCurve"),
+        R<Orvia::CartesianCurve>("SZCurve"),
+        R<Orvia::CartesianCurve>("BankingCurve"),
+        R<Orvia::CartesianCurve>("SZCurvatureCurve"),
+        R<Orvia::Curve2D>("XYCurve"),
         R<PolynomialFunction>("Polynomial"),
         R<Segment>("Segment"),
         R<CircleArc>("CircleArc"),
