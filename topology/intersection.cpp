@@ -23,8 +23,13 @@ void Intersection::SetName(const std::string& name) {
         for (size_t i = 0; i < m_subNetwork->GetTrackCount(); ++i) {
             Track* track = m_subNetwork->GetTrack(i);
             if (!track) continue;
-            if (track->GetStartIntersectionName() == m_name) ends.emplace_back(track, false);
-            if (track->GetEndIntersectionName() == m_name) ends.emplace_back(track, true);
+            // An end linked to another intersection of the same name is that one's.
+            const Intersection* start = track->GetStartIntersection();
+            const Intersection* end = track->GetEndIntersection();
+            if (track->GetStartIntersectionName() == m_name && (!start || start == this))
+                ends.emplace_back(track, false);
+            if (track->GetEndIntersectionName() == m_name && (!end || end == this))
+                ends.emplace_back(track, true);
         }
     }
     IntersectionElement::SetName(name);

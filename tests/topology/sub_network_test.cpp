@@ -121,6 +121,20 @@ TEST(Intersection, SetNameRenamesTheTrackEndsThatNamedIt) {
     EXPECT_EQ(s->GetTrackByName("Loop")->GetEndIntersectionName(), "Square");
     EXPECT_EQ(s->GetIntersectionByName("Square"), s->GetIntersectionByIndex(1));
 
+    // Of two intersections with one name, the second is renamed on save and the tracks linked to the first
+    // keep naming it.
+    CountedPtr<Network> twins = LoadNetwork(R"(<Network><SubNetworks><SubNetwork name="S">
+  <Intersections><Intersection name="I"/><Intersection name="Other"/></Intersections>
+  <Tracks><Track name="T" startIntersectionName="I" endIntersectionName="I"/></Tracks>
+  </SubNetwork></SubNetworks></Network>)");
+    ASSERT_TRUE(twins);
+    SubNetwork* t = twins->GetSubNetwork(0);
+    t->GetIntersectionByIndex(1)->SetName("I");
+    EXPECT_EQ(t->GetTrack(0)->GetStartIntersectionName(), "I");
+    EXPECT_NE(Ruvex::SaveToString(twins.Get()).find(R"(<Intersection name="I 1")"), std::string::npos);
+    EXPECT_EQ(t->GetTrack(0)->GetStartIntersectionName(), "I");
+    EXPECT_EQ(t->GetTrack(0)->GetEndIntersectionName(), "I");
+
     // Without a sub-network only the intersection changes.
     CountedPtr<Orvia::Intersection> alone(new Orvia::Intersection);
     alone->SetName("Alone");

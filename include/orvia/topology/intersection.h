@@ -22,7 +22,8 @@ public:
     const Ruvex::TrackConnectorElement* GetAsConnectionElement() const override { return this; }
     Intersection* GetAsIntersection() override { return this; }
 
-    // Renames the intersection and, in its sub-network, every track end that named it by its old name.
+    // Renames the intersection and, in its sub-network, every track end that named it by its old name, except
+    // ends linked to another intersection (one that bore the same name).
     void SetName(const std::string& name) override;
 };
 
