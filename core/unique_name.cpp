@@ -1,3 +1,9 @@
+// GCC 12 flags std::regex's own internals as maybe uninitialised at some optimisation levels (a false
+// positive inside <regex>, seen with sanitizers at -O1).
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+
 #include <orvia/core/unique_name.h>
 
 #include <algorithm>

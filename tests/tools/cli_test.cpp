@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 
@@ -16,6 +15,26 @@ struct Outcome {
     std::string out;
     std::string err;
 };
+
+// "file:line:column: message\n" with numbers and a message on one line.
+bool IsPlacedProblem(const std::string& text, const std::string& file) {
+    if (text.compare(0, file.size() + 1, file + ":") != 0 || text.back() != '\n') return false;
+    size_t at = file.size() + 1;
+    for (int number = 0; number < 2; ++number) {
+        const size_t end = text.find_first_not_of("0123456789", at);
+        if (end == at || end == std::string::npos || text[end] != ':') return false;
+        at = end + 1;
+    }
+    return text.compare(at, 1, " ") == 0 && text.size() > at + 2 && text.find('\n') == text.size() - 1;
+}
+
+// Three zeros with three decimals (either sign), then a newline.
+bool IsZeroPoint(const std::string& text) {
+    std::string unsignedText;
+    for (char c : text)
+        if (c != '-') unsignedText += c;
+    return unsignedText == "0.000 0.000 0.000\n";
+}
 
 std::string ReadFile(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -109,9 +128,8 @@ TEST_F(OrviaTool, FailuresGiveOneLineWithThePlace) {
     const std::string notXml = Write("not_xml.xml", "<Ruvex><Network>\n</Ruvex>");
     run = Orvia("convert '" + notXml + "' '" + (dir_ / "out.xml").string() + "'");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(std::regex_match(run.err, std::regex(std::regex_replace(notXml, std::regex("[.]"), "\\.") +
-                                                     ":[0-9]+:[0-9]+: [^\n]+\n")))
-        << run.err;
+    EXPECT_TRUE(IsPlacedProblem(run.err, notXml)) << run.err;
+    EXPECT_FALSE(IsPlacedProblem("x.xml: cannot read the file\n", "x.xml"));
     EXPECT_FALSE(std::filesystem::exists(dir_ / "out.xml"));
 
     const std::string road = Write("road.xml", R"(<Ruvex version="2.5"><Road name="R"/></Ruvex>)");
@@ -158,7 +176,7 @@ TEST_F(OrviaTool, GeoConvertsBothWays) {
     EXPECT_EQ(origin.out, "45.764000000 4.835700000 170.000\n");
     Outcome back = Orvia("geo '" + example_ + "' --to-local 45.764 4.8357 170");
     EXPECT_EQ(back.status, 0) << back.err;
-    EXPECT_TRUE(std::regex_match(back.out, std::regex("-?0\\.000 -?0\\.000 -?0\\.000\n"))) << back.out;
+    EXPECT_TRUE(IsZeroPoint(back.out)) << back.out;
     Outcome west = Orvia("geo '" + example_ + "' --to-wgs84 -100 -50.5 0");
     EXPECT_EQ(west.status, 0);
 
