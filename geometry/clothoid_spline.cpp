@@ -81,6 +81,8 @@ void ClothoidSpline::Validate() {
     if (m >= 2) {
         const vek::Vector2 first = u[1] - u[0];
         m_localCurve.SetOrigin(u[0], std::atan2(first.y, first.x));
+        // SetOrigin does nothing when the first piece already starts there, as new pieces do at the origin.
+        m_localCurve.UpdateFunctionsFromStart();
     }
     m_globalCurve = m_localCurve;
     PlaceGlobalCurve();

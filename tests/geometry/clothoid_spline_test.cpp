@@ -98,7 +98,7 @@ TEST(ClothoidSpline, ThresholdAndSymmetry) {
     EXPECT_NE(spline->GetLength(), length);
     // Symmetric: the long leg is cut to the short one and both clothoids have the same length.
     spline->SetSymmetric(true);
-    const Orvia::PieceChain& curve = spline->GetLocalCurve();
+    const ClothoidSpline::Curve& curve = spline->GetLocalCurve();
     ASSERT_EQ(curve.GetFunctionCount(), 3u);
     EXPECT_NEAR(curve.GetFunction(0)->GetLength(), 80, 1e-9);
     EXPECT_NEAR(curve.GetFunction(1)->GetLength(), curve.GetFunction(2)->GetLength(), 1e-6);

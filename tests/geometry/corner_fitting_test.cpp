@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <orvia/geometry/corner_fitting.h>
-#include <orvia/geometry/piece_chain.h>
+#include <orvia/geometry/curve2d.h>
 #include <orvia/vek/math.h>
 
 #include "curve_test_support.h"
@@ -41,14 +41,15 @@ public:
         return kinds;
     }
     // The declared pieces placed end to end from start along heading.
-    Orvia::PieceChain Chain(const vek::Vector2& start, double heading) const {
-        Orvia::PieceChain chain;
+    Orvia::Curve2D Chain(const vek::Vector2& start, double heading) const {
+        Orvia::Curve2D chain;
         for (const Declared& d : pieces) {
             if (d.kind == 'L') chain.AddFunction(new Segment(d.length));
             if (d.kind == 'C') chain.AddFunction(new CircleArc(d.length, d.k0));
             if (d.kind == 'K') chain.AddFunction(new ClothoArc(d.length, d.k0, d.k1));
         }
         chain.SetOrigin(start, heading);
+        chain.UpdateFunctionsFromStart();  // SetOrigin skips a first piece already in place
         return chain;
     }
 
@@ -59,7 +60,7 @@ using TriFit = Recording<CTriPointControlledAnalytic>;
 using BiFit = Recording<CBiPointControlledAnalytic>;
 
 // The chain ends at b heading along direction, with curvature continuous from 0 back to 0.
-void ExpectEndsAt(const std::vector<Declared>& pieces, const Orvia::PieceChain& chain, const vek::Vector2& b,
+void ExpectEndsAt(const std::vector<Declared>& pieces, const Orvia::Curve2D& chain, const vek::Vector2& b,
                   const vek::Vector2& direction, const std::string& where) {
     PointData end;
     ASSERT_TRUE(chain.GetPointData(chain.GetLength(), 0, end)) << where;

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include <orvia/geometry/piece_chain.h>
+#include <orvia/geometry/curve2d.h>
 #include <orvia/vek/math.h>
 
 #include "curve_test_support.h"
@@ -168,11 +168,12 @@ TEST(PolynomialFunction, CircleSegmentCircleJoinsTheEnds) {
     for (const PolynomialFunction& p : cases) {
         PolynomialFunction::CircleSegmentCircle csc;
         ASSERT_TRUE(p.DecomposeToCircleSegmentCircle(csc));
-        Orvia::PieceChain chain;
+        Orvia::Curve2D chain;
         chain.AddFunction(new CircleArc(csc.length1, csc.curvature1));
         chain.AddFunction(new Segment(csc.segmentLength));
         chain.AddFunction(new CircleArc(csc.length2, csc.curvature2));
         chain.SetOrigin(p.GetPosIn(), std::atan(p.GetDerivativeIn()));
+        chain.UpdateFunctionsFromStart();  // SetOrigin skips a first piece already in place
         PointData end;
         ASSERT_TRUE(chain.GetPointData(chain.GetLength(), 0, end));
         EXPECT_LT((end.position - p.GetPosOut()).norm(), 1e-9);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <orvia/geometry/corner_fitting.h>
-#include <orvia/geometry/piece_chain.h>
+#include <orvia/geometry/curve2d.h>
 #include <orvia/geometry/polyline.h>
 #include <orvia/ruvex/elements/curves.h>
 
@@ -14,9 +14,8 @@ class ClothoidSpline : public PolyLineCommonData,
                        public Ruvex::ClothoidSplineElement,
                        public CTriPointControlledAnalytic {
 public:
-    // The fitted pieces. Held in a chain with the interface of the composite horizontal curve, which
-    // replaces it once that exists.
-    using Curve = Orvia::PieceChain;
+    // The fitted pieces, chained under one abscissa.
+    using Curve = Orvia::Curve2D;
 
     // Below this distance (m) consecutive control points count as one.
     static constexpr double kUniquePointTolerance = 1e-5;
