@@ -27,9 +27,11 @@ public:
 
     // Length of the fitted curve (m), 0 when nothing is fitted.
     double GetLength() const override { return m_curveLength; }
-    // Shortening cuts the polygon where the curve reaches the new length and appends the cut point (see
-    // implementation notes in the source); lengthening, or a cut that finds no edge, scales the polygon
-    // length by length / curve length.
+    // Shortening to L: with P the curve point at L, the polygon keeps its points up to the edge that the
+    // tangent line at P meets behind P (nearest such edge; failing one, the edge P projects onto) and then
+    // ends with that crossing point and P, so the refitted curve ends at P along the same tangent; its new
+    // length is close to L, not equal. Lengthening, or a cut that finds no edge, scales the polygon length by
+    // L / curve length.
     void SetLength(double length) override;
 
     // Pieces in the piece's own frame, and the same pieces placed by the start position and orientation.
