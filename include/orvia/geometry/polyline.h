@@ -105,10 +105,12 @@ protected:
     std::vector<double> m_curvatures;
 };
 
-// A control polygon smoothed by its type: 1 a clamped cubic spline through the points (from 3 points), 2 a C1
-// Bezier curve through the points (from 3 points), 4 a chain of cubic Bezier pieces on the points taken four
-// by four (from 3 points); any other type, or too few points, the plain polygon. Smoothed types are sampled
-// by arc length on the curve and continue straight along the end tangents beyond their ends.
+// A control polygon smoothed by its type, from 3 points: 1 a clamped cubic spline through the points, 2 a C1
+// Bezier curve through the points, 4 a chain of cubic Bezier pieces on points 0-3, 3-6, 6-9, ... whose handle
+// before each junction is the mirror of the handle after it (so the chain is tangent-continuous whatever the
+// stored handle; three points make one quadratic piece, points after the last full piece are unused). Any
+// other type, or fewer points, is the plain polygon. Smoothed types are sampled by arc length on the curve
+// and continue straight along their end tangents beyond their ends.
 class PolyLine : public PolyLineCommonData, public Ruvex::PolyLineElement {
 public:
     using EType = Ruvex::PolyLineElement::EType;
