@@ -97,11 +97,13 @@ void BM_CircleArc(benchmark::State& state) {
     SamplePiece(state, *piece);
 }
 
-// Arg: 0 a transition from a straight line (Cornu parameter 0 to 2.2), 1 a transition between two tight
-// curves far along the spiral (Cornu parameter 2.8 to 3.0, the longest series).
+// Arg: 0 a transition from a straight line (Cornu parameter 0 to 2.2), 1 one between two curves further along
+// the spiral (Cornu parameter 2.8 to 3.0: the longest series), 2 one between two tight curves beyond the
+// series' reach (Cornu parameter 6.3 to 6.7: integrated from nodes).
 void BM_ClothoArc(benchmark::State& state) {
-    Ruvex::CountedPtr<ClothoArc> piece(state.range(0) == 0 ? new ClothoArc(200, 0, 0.05)
-                                                           : new ClothoArc(20, 0.28, 0.30));
+    const double shapes[3][3] = {{200, 0, 0.05}, {20, 0.056, 0.060}, {20, 0.28, 0.30}};
+    const double* shape = shapes[state.range(0)];
+    Ruvex::CountedPtr<ClothoArc> piece(new ClothoArc(shape[0], shape[1], shape[2]));
     piece->SetStartPosition({1000, 2000});
     piece->SetStartOrientation(0.7);
     SamplePiece(state, *piece);
@@ -130,7 +132,7 @@ void BM_PolynomialFunction_GetValue(benchmark::State& state) {
 BENCHMARK(BM_Floor_SinCos);
 BENCHMARK(BM_Segment);
 BENCHMARK(BM_CircleArc);
-BENCHMARK(BM_ClothoArc)->Arg(0)->Arg(1);
+BENCHMARK(BM_ClothoArc)->Arg(0)->Arg(1)->Arg(2);
 BENCHMARK(BM_PolyLine)->Arg(0)->Arg(1)->Arg(2)->Arg(4);
 BENCHMARK(BM_ClothoidSpline);
 BENCHMARK(BM_PolynomialFunction_GetValue);

@@ -1,6 +1,9 @@
 #include <orvia/geometry/clotho_arc.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 
 #include <orvia/core/legacy_converter.h>
 #include <orvia/geometry/circle_arc.h>
@@ -11,6 +14,46 @@ namespace {
 
 // First format version whose clothoid arcs the current reader understands.
 constexpr uint32_t kClothoArcLayoutVersion = Ruvex::MakeVersionID(2, 3, 0);
+
+// Nodes of the heading integration, at most: a longer or sharper clothoid is integrated with wider steps.
+constexpr double kMaxNodes = 1 << 20;
+// The local expansion ends once two consecutive terms fall below this (relative to the first, 1); with the
+// node spacing the terms shrink at least like 0.25^m / m!, so about 13 are needed.
+constexpr double kExpansionTolerance = 1e-17;
+constexpr int kMaxExpansionTerms = 48;
+
+// 1 / n for n < kMaxExpansionTerms + 2: the expansion multiplies instead of dividing.
+struct Reciprocals {
+    std::array<double, kMaxExpansionTerms + 2> value{};
+    constexpr Reciprocals() {
+        for (int n = 1; n < kMaxExpansionTerms + 2; ++n)
+            value[n] = 1.0 / n;
+    }
+};
+constexpr Reciprocals kReciprocals;
+
+// integral_0^d exp(i (k v + c v^2 / 2)) dv: the chord, in the frame of the start tangent, of a clothoid of
+// start curvature k and curvature rate c after d metres. From the power series of the integrand, whose
+// coefficients follow from y' = i (k + c v) y; b[m] = a[m] d^m keeps the terms dimensionless.
+vek::Vector2 LocalChord(double k, double c, double d) {
+    const double alpha = k * d, beta = c * d * d;
+    double re0 = 1, im0 = 0;                // b[m - 1]
+    double re1 = 0, im1 = alpha;            // b[m], from m = 1
+    double sumRe = 1, sumIm = 0.5 * alpha;  // sum of b[m] / (m + 1)
+    for (int m = 1; m < kMaxExpansionTerms; ++m) {
+        // b[m + 1] = i (alpha b[m] + beta b[m - 1]) / (m + 1)
+        const double wRe = alpha * re1 + beta * re0, wIm = alpha * im1 + beta * im0;
+        const double re2 = -wIm * kReciprocals.value[m + 1], im2 = wRe * kReciprocals.value[m + 1];
+        sumRe += re2 * kReciprocals.value[m + 2];
+        sumIm += im2 * kReciprocals.value[m + 2];
+        re0 = re1;
+        im0 = im1;
+        re1 = re2;
+        im1 = im2;
+        if (std::fabs(re0) + std::fabs(im0) + std::fabs(re1) + std::fabs(im1) < kExpansionTolerance) break;
+    }
+    return {sumRe * d, sumIm * d};
+}
 
 // Heading brought into (-pi, pi] the way atan2 of the tangent would give it, without the cost when it already
 // is.
@@ -123,7 +166,57 @@ void ClothoArc::DataChanged() {
     else
         m_shape = Shape::Circle;
     m_circleRadius = std::fabs(k0) < CircleArc::kMinCurvature ? CircleArc::kZeroCurvatureRadius : 1 / k0;
+    m_useSeries =
+        m_shape != Shape::Clothoid || std::max(std::fabs(m_t0), std::fabs(EvalT(m_Length))) <= kSeriesRange;
+    if (m_useSeries)
+        m_nodes.clear();
+    else
+        BuildNodes();
     ParametricFunction::DataChanged();
+}
+
+double ClothoArc::LocalHeading(double s) const {
+    // The Cornu tangent turns by t^2 - t0^2 from the start tangent (mirrored when decreasing); written as
+    // u (u + 2 t0) with u = s / a it is exact where the difference of squares would cancel.
+    const double u = s / m_a;
+    const double turn = u * (u + 2 * m_t0);
+    return m_decreasing ? -turn : turn;
+}
+
+void ClothoArc::BuildNodes() {
+    const double k0 = m_StartCurvature, k1 = m_EndCurvature;
+    const double rate = (k1 - k0) / m_Length;
+    const double spacing =
+        std::min(kNodeTurn / std::max(std::fabs(k0), std::fabs(k1)), std::sqrt(kNodeTurn / std::fabs(rate)));
+    const double count = std::min(kMaxNodes, std::max(1.0, std::ceil(m_Length / spacing)));
+    const size_t n = static_cast<size_t>(count);
+    m_nodeSpacing = m_Length / count;
+    m_nodes.assign(n + 1, Node());
+    m_nodes[0].curvature = k0;
+    for (size_t i = 1; i <= n; ++i) {
+        const Node& before = m_nodes[i - 1];
+        const vek::Vector2 chord = LocalChord(before.curvature, rate, m_nodeSpacing);
+        Node& node = m_nodes[i];
+        node.position =
+            before.position + vek::Vector2(before.cosHeading * chord.x - before.sinHeading * chord.y,
+                                           before.sinHeading * chord.x + before.cosHeading * chord.y);
+        const double s = m_nodeSpacing * static_cast<double>(i);
+        const double heading = LocalHeading(s);
+        node.cosHeading = std::cos(heading);
+        node.sinHeading = std::sin(heading);
+        node.curvature = k0 + rate * s;
+    }
+}
+
+vek::Vector2 ClothoArc::NodePosition(double s) const {
+    const size_t last = m_nodes.size() - 1;
+    const double index = std::floor(s / m_nodeSpacing);
+    const size_t i = index <= 0 ? 0 : std::min(last, static_cast<size_t>(index));
+    const Node& node = m_nodes[i];
+    const double rate = (m_EndCurvature - m_StartCurvature) / m_Length;
+    const vek::Vector2 chord = LocalChord(node.curvature, rate, s - m_nodeSpacing * static_cast<double>(i));
+    return node.position + vek::Vector2(node.cosHeading * chord.x - node.sinHeading * chord.y,
+                                        node.sinHeading * chord.x + node.cosHeading * chord.y);
 }
 
 void ClothoArc::Init() {
@@ -159,11 +252,7 @@ void ClothoArc::Func(double s, double& x, double& y, double& heading) const {
     const double dY = cy - m_Y0;
     x = m_c * dX + m_d * dY;
     y = m_c * dY - m_d * dX;
-    // The Cornu tangent turns by t^2 - t0^2 from the start tangent (mirrored when decreasing); written as
-    // u (u + 2 t0) with u = s / a it is exact where the difference of squares would cancel.
-    const double u = s / m_a;
-    const double turn = u * (u + 2 * m_t0);
-    heading = WrapHeading(m_decreasing ? -turn : turn);
+    heading = WrapHeading(LocalHeading(s));
 }
 
 PointData ClothoArc::GetLocalPointData(double s) const {
@@ -172,7 +261,12 @@ PointData ClothoArc::GetLocalPointData(double s) const {
             return PointData({s, 0}, 0, 0);
         case Shape::Clothoid: {
             PointData pd;
-            Func(s, pd.position.x, pd.position.y, pd.heading);
+            if (m_useSeries) {
+                Func(s, pd.position.x, pd.position.y, pd.heading);
+            } else {
+                pd.position = NodePosition(s);
+                pd.heading = WrapHeading(LocalHeading(s));
+            }
             pd.curvature = GetLocalCurvature(s);
             return pd;
         }

@@ -283,6 +283,31 @@ TEST(ClothoArc, AgreesWithIntegratedHeading) {
     }
 }
 
+TEST(ClothoArc, FarAlongTheSpiral) {
+    // Cornu parameters beyond the series' reach: tight, slowly changing curvature, and a long spiral.
+    struct Case {
+        double length, k0, k1;
+    };
+    const Case cases[] = {
+        {20, 0.28, 0.30}, {100, 0.01, 0.01002}, {200, 0, 0.36}, {50, -0.5, -0.45}, {30, 2, 1.9}};
+    for (const Case& c : cases) {
+        ClothoArc arc(c.length, c.k0, c.k1);
+        arc.SetStartPosition({-40, 15});
+        arc.SetStartOrientation(-2);
+        const double rate = (c.k1 - c.k0) / c.length;
+        for (int i = -2; i <= 42; ++i) {
+            const double s = c.length * i / 40;
+            const PointData pd = arc.GetPointData(s);
+            const curve_test::Integrated exact = curve_test::IntegrateHeading(-40, 15, -2, c.k0, rate, s);
+            const std::string where =
+                std::to_string(c.k0) + " -> " + std::to_string(c.k1) + " at " + std::to_string(s);
+            EXPECT_NEAR(pd.position.x, static_cast<double>(exact.x), 1e-9 * c.length) << where;
+            EXPECT_NEAR(pd.position.y, static_cast<double>(exact.y), 1e-9 * c.length) << where;
+            EXPECT_NEAR(AngleDiff(pd.heading, -2 + c.k0 * s + 0.5 * rate * s * s), 0, 1e-9) << where;
+        }
+    }
+}
+
 TEST(ClothoArc, SeriesErrorScalesWithTheClothoidScale) {
     // A very gentle transition (clothoid scale a = 2000 m): the summed series' truncation, below 4e-9 before
     // scaling for |t| <= 3, is multiplied by a.

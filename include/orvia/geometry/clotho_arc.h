@@ -1,6 +1,8 @@
 // Clothoid piece: curvature varies linearly with arc length from the start curvature to the end curvature.
 #pragma once
 
+#include <vector>
+
 #include <orvia/geometry/cornu.h>
 #include <orvia/geometry/parametric_function.h>
 #include <orvia/ruvex/elements/curves.h>
@@ -10,6 +12,14 @@ public:
     // Below this length (m) the piece is a straight line along +x; below this |curvature| (1/m) at both ends
     // it is straight too; curvatures closer than this make a circle arc of the start curvature.
     static constexpr double kDegenerateTolerance = 1e-5;
+    // Largest |Cornu parameter| over the piece for which positions come from the summed Cornu series: up to
+    // it the series stays within 8e-9 of the true integrals (before scaling by a). Beyond it (a clothoid far
+    // along its spiral: sharp curvature changing slowly) the series is useless, and the piece integrates its
+    // heading from nodes computed when its data change instead.
+    static constexpr double kSeriesRange = 4.0;
+    // Node spacing of that integration: at most this turn (radians) per spacing from the curvature, and from
+    // its change.
+    static constexpr double kNodeTurn = 0.125;
 
     // Length 1 m, curvature 0 -> 0.01 /m.
     ClothoArc();
@@ -46,9 +56,9 @@ public:
 
 protected:
     void DataChanged() override;
-    // Position from the Cornu series (CCornuFunc's accuracy, scaled by the clothoid scale a); heading
-    // k0 s + (k1 - k0) s^2 / (2 length) brought into (-pi, pi]; curvature linear in s. Degenerate pieces: see
-    // kDegenerateTolerance.
+    // Position from the Cornu series (CCornuFunc's accuracy, scaled by the clothoid scale a; see kSeriesRange
+    // for clothoids beyond its reach); heading k0 s + (k1 - k0) s^2 / (2 length) brought into (-pi, pi];
+    // curvature linear in s. Degenerate pieces: see kDegenerateTolerance.
     PointData GetLocalPointData(double s) const override;
     // Runs backwards: (k0, k1) = (-k1, -k0).
     void InvertLocalData() override;
@@ -67,6 +77,18 @@ protected:
 private:
     enum class Shape { Line, Clothoid, Circle };
 
+    // A sample of the clothoid, for integrating its heading from the nearest one.
+    struct Node {
+        vek::Vector2 position;
+        double cosHeading = 1, sinHeading = 0;
+        double curvature = 0;
+    };
+
+    // Heading at s in the piece's frame, not wrapped.
+    double LocalHeading(double s) const;
+    void BuildNodes();
+    vek::Vector2 NodePosition(double s) const;
+
     CCornuFunc m_cornu;
     double m_t0 = 0;            // Cornu parameter at s = 0
     double m_a = 1;             // clothoid scale sqrt(2 length / |k1 - k0|), metres
@@ -77,4 +99,7 @@ private:
     double m_c = 1, m_d = 0;         // its unit vector
     Shape m_shape = Shape::Clothoid;
     double m_circleRadius = 1;  // for Shape::Circle
+    bool m_useSeries = true;    // the Cornu parameter stays within kSeriesRange
+    std::vector<Node> m_nodes;  // at i * m_nodeSpacing, i = 0 .. n (the last at the length)
+    double m_nodeSpacing = 0;
 };
