@@ -8,6 +8,31 @@
 
 namespace Orvia {
 
+namespace {
+
+// Elevation z, slope angle and vertical curvature of the elevation piece at s (0 without one).
+inline void ElevationAt(const CartesianCurve* sz, double s, double& z, double& slope,
+                        double* verticalCurvature) {
+    const PolynomialFunction* f = sz ? sz->GetFunctionAt(s) : nullptr;
+    if (!f) {
+        z = 0;
+        slope = 0;
+        if (verticalCurvature) *verticalCurvature = 0;
+        return;
+    }
+    z = f->GetValue(s);
+    slope = f->GetSlope(s);
+    if (verticalCurvature) *verticalCurvature = f->GetCurvature(s);
+}
+
+// Banking at s (0 without a banking piece).
+inline double BankingAt(const CartesianCurve* banking, double s) {
+    const PolynomialFunction* f = banking ? banking->GetFunctionAt(s) : nullptr;
+    return f ? f->GetValue(s) : 0;
+}
+
+}  // namespace
+
 Axis::Axis(SubNetwork* subNetwork) : m_subNetwork(subNetwork) {}
 Axis::~Axis() = default;
 
@@ -84,7 +109,7 @@ bool Axis::GetStartPoint(PointControl& pc) {
     pc.y = pd.position.y;
     pc.heading = pd.heading;
     pc.curvature = pd.curvature;
-    ElevationAt(0, pc.z, pc.slope, &pc.verticalCurvature);
+    ElevationAt(GetSZCurve(), 0, pc.z, pc.slope, &pc.verticalCurvature);
     return true;
 }
 
@@ -99,7 +124,7 @@ bool Axis::GetEndPoint(PointControl& pc) {
     pc.y = pd.position.y;
     pc.heading = pd.heading;
     pc.curvature = pd.curvature;
-    ElevationAt(end, pc.z, pc.slope, &pc.verticalCurvature);
+    ElevationAt(GetSZCurve(), end, pc.z, pc.slope, &pc.verticalCurvature);
     return true;
 }
 
@@ -137,25 +162,6 @@ double Axis::GetValidTotalLength() {
 // ---------------------------------------------------------------------------------------------------------------
 // Queries
 
-void Axis::ElevationAt(double s, double& z, double& slope, double* verticalCurvature) const {
-    const CartesianCurve* sz = GetSZCurve();
-    const PolynomialFunction* f = sz ? sz->GetFunctionAt(s) : nullptr;
-    if (!f) {
-        z = 0;
-        slope = 0;
-        if (verticalCurvature) *verticalCurvature = 0;
-        return;
-    }
-    z = f->GetValue(s);
-    slope = f->GetSlope(s);
-    if (verticalCurvature) *verticalCurvature = f->GetCurvature(s);
-}
-
-double Axis::BankingAt(double s) const {
-    const CartesianCurve* banking = GetBankingCurve();
-    return banking ? banking->GetValue(s) : 0;
-}
-
 bool Axis::GetXYPointData(PointData& pd, double s, double t) {
     Validate();
     const Curve2D* xy = GetXYCurve();
@@ -177,7 +183,7 @@ double Axis::GetAltitude(double s, double t) const {
     const CartesianCurve* sz = GetSZCurve();
     const PolynomialFunction* f = sz ? sz->GetFunctionAt(s) : nullptr;
     double z = f ? f->GetValue(s) : 0;
-    if (t != 0 && GetBankingCurve()) z = ApplyBankingOnAltitude(z, t, BankingAt(s));
+    if (t != 0 && GetBankingCurve()) z = ApplyBankingOnAltitude(z, t, BankingAt(GetBankingCurve(), s));
     return z;
 }
 
@@ -223,11 +229,11 @@ bool Axis::GetMark(vek::Mark& mark, double s, const vek::Vector2& offset) const 
     PointData pd;
     if (!xy || !xy->GetPointData(s, t, pd)) return false;
     double z = 0, theta = 0;
-    ElevationAt(s, z, theta, nullptr);
+    ElevationAt(GetSZCurve(), s, z, theta, nullptr);
     double roll = 0;
     if (t != 0) {
         // Off the centre line the frame leans with the cross-section; on it the frame stays level.
-        roll = BankingAt(s);
+        roll = BankingAt(GetBankingCurve(), s);
         z = ApplyBankingOnAltitude(z, t, roll);
     }
     mark.position = {pd.position.x, pd.position.y, z};
@@ -245,9 +251,9 @@ bool Axis::GetPositionTangentCurvature(double s, const vek::Vector2& offset, vek
     const bool found = xy && xy->GetPointData(s, t, pd);
     if (position || tangent) {
         double z = 0, theta = 0;
-        ElevationAt(s, z, theta, nullptr);
+        ElevationAt(GetSZCurve(), s, z, theta, nullptr);
         if (position) {
-            if (t != 0) z = ApplyBankingOnAltitude(z, t, BankingAt(s));
+            if (t != 0) z = ApplyBankingOnAltitude(z, t, BankingAt(GetBankingCurve(), s));
             *position = {pd.position.x, pd.position.y, z};
         }
         if (tangent) {
@@ -265,19 +271,20 @@ bool Axis::GetGeometricData(double s, const vek::Vector2& offset, vek::Vector2* 
     const double t = offset.x;
     double b = 0;
     if (banking) {
-        b = BankingAt(s);
+        b = BankingAt(GetBankingCurve(), s);
         *banking = b;
     }
     if (altitude || slope || verticalCurvature) {
         const double length = std::max(m_xyLength, 0.0);
         double z = 0, theta = 0, vertical = 0;
-        ElevationAt(std::clamp(s, 0.0, length), z, theta, verticalCurvature ? &vertical : nullptr);
+        ElevationAt(GetSZCurve(), std::clamp(s, 0.0, length), z, theta,
+                    verticalCurvature ? &vertical : nullptr);
         if (s < 0)
             z += theta * s;
         else if (s > length)
             z += theta * (s - length);
         if (altitude) {
-            if (t != 0) z = ApplyBankingOnAltitude(z, t, banking ? b : BankingAt(s));
+            if (t != 0) z = ApplyBankingOnAltitude(z, t, banking ? b : BankingAt(GetBankingCurve(), s));
             *altitude = z;
         }
         if (slope) *slope = theta;
@@ -331,18 +338,6 @@ bool Axis::GetBoundingBox(vek::Box3& box) {
     if (!m_boundingBoxValid) BuildBoundingBox();
     box = m_boundingBox;
     return true;
-}
-
-// ---------------------------------------------------------------------------------------------------------------
-// Banking
-
-double Axis::ValidateBanking(double b) {
-    return std::clamp(b, -kMaxBanking, kMaxBanking);
-}
-
-double Axis::ApplyBankingOnAltitude(double z, double t, double b) {
-    if (std::fabs(b) < kNoBanking) return z;
-    return z + t * std::tan(-ValidateBanking(b));
 }
 
 }  // namespace Orvia

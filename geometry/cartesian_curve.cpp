@@ -27,6 +27,27 @@ void Fit(PolynomialFunction* f, const Ends& e) {
     f->Set(e.in, e.dIn, e.out, e.dOut);
 }
 
+// The bisection of GetFunctionAtIdx over pieces [lo, hi), hi <= the count and lo < hi.
+size_t Bisect(const std::vector<PolynomialFunction*>& pieces, double x, size_t lo, size_t hi) {
+    for (;;) {
+        const size_t mid = lo + (hi - lo) / 2;
+        const PolynomialFunction* f = pieces[mid];
+        if (f->GetXMin() > x) {
+            if (mid == lo) return lo;
+            hi = mid;
+        } else if (x > f->GetXMax()) {
+            if (mid == hi - 1) return hi - 1;
+            lo = mid;
+        } else {
+            return mid;
+        }
+    }
+}
+
+const PolynomialFunction* PieceAt(const std::vector<PolynomialFunction*>& pieces, double x) {
+    return pieces.empty() ? nullptr : pieces[Bisect(pieces, x, 0, pieces.size())];
+}
+
 }  // namespace
 
 CartesianCurve::CartesianCurve() = default;
@@ -125,51 +146,37 @@ size_t CartesianCurve::GetFunctionIndex(const PolynomialFunction* function) cons
 
 size_t CartesianCurve::GetFunctionAtIdx(double x, size_t lo, size_t hi) const {
     hi = std::min(hi, m_pieces.size());
-    if (lo >= hi) return npos;
-    for (;;) {
-        const size_t mid = lo + (hi - lo) / 2;
-        const PolynomialFunction* f = m_pieces[mid];
-        if (f->GetXMin() > x) {
-            if (mid == lo) return lo;
-            hi = mid;
-        } else if (x > f->GetXMax()) {
-            if (mid == hi - 1) return hi - 1;
-            lo = mid;
-        } else {
-            return mid;
-        }
-    }
+    return lo < hi ? Bisect(m_pieces, x, lo, hi) : npos;
 }
 
 size_t CartesianCurve::GetFunctionIndexAt(double x) const {
-    return GetFunctionAtIdx(x, 0, m_pieces.size());
+    return m_pieces.empty() ? npos : Bisect(m_pieces, x, 0, m_pieces.size());
 }
 
 const PolynomialFunction* CartesianCurve::GetFunctionAt(double x) const {
-    const size_t i = GetFunctionIndexAt(x);
-    return i == npos ? nullptr : m_pieces[i];
+    return PieceAt(m_pieces, x);
 }
 
 // ---------------------------------------------------------------------------------------------------------------
 // Values
 
 double CartesianCurve::GetValue(double x) const {
-    const PolynomialFunction* f = GetFunctionAt(x);
+    const PolynomialFunction* f = PieceAt(m_pieces, x);
     return f ? f->GetValue(x) : 0;
 }
 
 double CartesianCurve::GetSlope(double x) const {
-    const PolynomialFunction* f = GetFunctionAt(x);
+    const PolynomialFunction* f = PieceAt(m_pieces, x);
     return f ? f->GetSlope(x) : 0;
 }
 
 double CartesianCurve::GetCurvature(double x) const {
-    const PolynomialFunction* f = GetFunctionAt(x);
+    const PolynomialFunction* f = PieceAt(m_pieces, x);
     return f ? f->GetCurvature(x) : 0;
 }
 
 void CartesianCurve::GetData(double x, double& value, double& slope, double& curvature) const {
-    const PolynomialFunction* f = GetFunctionAt(x);
+    const PolynomialFunction* f = PieceAt(m_pieces, x);
     if (!f) return;
     value = f->GetValue(x);
     slope = f->GetSlope(x);

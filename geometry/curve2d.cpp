@@ -37,6 +37,31 @@ void ConstrainLoadedPiece(Ruvex::Element* element) {
     }
 }
 
+// Moves pd by t to the right; see Curve2D::OffsetPointData.
+inline void OffsetSample(double t, PointData& pd) {
+    if (t == 0) return;
+    pd.position -= pd.GetNormal() * t;
+    const double k = pd.curvature;
+    if (std::fabs(k) < Curve2D::kStraightCurvature) {
+        const double denominator = k * t + 1;
+        pd.curvature = std::fabs(denominator) < Curve2D::kStraightCurvature ? 0 : k / denominator;
+    }
+}
+
+// First record whose end is >= s (the last one when none is), by a search without data-dependent branches.
+// The ends must not decrease.
+template <class Record>
+size_t LowerBoundOnEnd(const std::vector<Record>& records, double s) {
+    const Record* base = records.data();
+    size_t n = records.size();
+    while (n > 1) {
+        const size_t half = n / 2;
+        base = base[half - 1].end < s ? base + half : base;
+        n -= half;
+    }
+    return static_cast<size_t>(base - records.data());
+}
+
 }  // namespace
 
 Curve2D::Curve2D() = default;
@@ -61,12 +86,14 @@ Curve2D::~Curve2D() = default;
 
 void Curve2D::UpdateParametricFunctionVector() {
     m_records.clear();
+    m_increasing = true;
     double start = 0;
     for (const Ruvex::CountedPtr<Ruvex::Element>& element : m_Functions) {
         auto* function = dynamic_cast<ParametricFunction*>(element.Get());
         if (!function) continue;
         const double end = start + function->GetLength();
         m_records.push_back({function, start, end});
+        m_increasing = m_increasing && end >= start;
         start = end;
     }
 }
@@ -176,33 +203,33 @@ void Curve2D::SetLength(double length) {
         Record& last = m_records.back();
         last.function->SetLength(last.function->GetLength() + length - current);
         last.end = last.start + last.function->GetLength();
+        m_increasing = m_increasing && last.end >= last.start;
     }
-}
-
-PointData Curve2D::SampleRecord(size_t i, double s) const {
-    const Record& record = m_records[i];
-    return record.function->GetPointData(std::clamp(s - record.start, 0.0, record.end - record.start));
 }
 
 bool Curve2D::GetPointData(double s, double t, PointData& out) const {
     if (m_records.empty()) return false;
     const double length = m_records.back().end;
-    if (s >= 0 && s <= length) {
-        out = SampleRecord(GetFunctionIndexAt(s, 0, m_records.size()), s);
-        OffsetPointData(t, out);
-        return true;
+    if (!(s >= 0 && s <= length)) return ComputePointDataOutside(s < 0 ? 0 : length, s, t, out);
+    // The piece holding s strictly inside is the only one that holds it, so a branch-free search finds what
+    // the bisection finds; on a boundary (or with a table that does not increase) the bisection decides.
+    size_t i = m_records.size() - 1;
+    if (m_increasing) {
+        i = LowerBoundOnEnd(m_records, s);
+        if (s == m_records[i].end) i = GetFunctionIndexAt(s, 0, m_records.size());
+    } else {
+        i = GetFunctionIndexAt(s, 0, m_records.size());
     }
-    return ComputePointDataOutside(s < 0 ? 0 : length, s, t, out);
+    const Record& record = m_records[i];
+    // Clamped by hand: a piece of negative length (a reversed segment) has its bounds the wrong way round.
+    const double local = s - record.start, span = record.end - record.start;
+    out = record.function->GetPointData(local < 0 ? 0 : (local > span ? span : local));
+    OffsetSample(t, out);
+    return true;
 }
 
 void Curve2D::OffsetPointData(double t, PointData& pd) {
-    if (t == 0) return;
-    pd.position -= pd.GetNormal() * t;
-    const double k = pd.curvature;
-    if (std::fabs(k) < kStraightCurvature) {
-        const double denominator = k * t + 1;
-        pd.curvature = std::fabs(denominator) < kStraightCurvature ? 0 : k / denominator;
-    }
+    OffsetSample(t, pd);
 }
 
 bool Curve2D::ComputePointDataOutside(double sRef, double s, double t, PointData& out) const {

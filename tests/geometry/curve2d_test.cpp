@@ -101,6 +101,32 @@ TEST(Curve2D, PieceLookupOnBoundaries) {
     EXPECT_EQ(empty.GetFunctionIndexAt(0, 0, 5), Curve2D::npos);
 }
 
+TEST(Curve2D, SamplesComeFromThePieceTheBisectionFinds) {
+    // Every piece has its own curvature, so a sample tells which piece answered. Some pieces have no length;
+    // in the second round a reversed segment makes the table decrease.
+    for (bool reversed : {false, true}) {
+        std::mt19937 rng(3);
+        std::uniform_real_distribution<double> length(0, 5);
+        Curve2D curve;
+        for (int i = 0; i < 37; ++i)
+            curve.AddFunction(new CircleArc(i % 5 == 2 ? 0 : length(rng), 0.001 * (i + 1)));
+        if (reversed) curve.InsertFunction(new Segment(-2), 20);
+        curve.UpdateFunctionsFromStart();
+        std::vector<double> abscissas;
+        for (size_t i = 0; i < curve.GetFunctionCount(); ++i)
+            abscissas.push_back(curve.GetFunctionStartLength(i));
+        abscissas.push_back(curve.GetLength());
+        std::uniform_real_distribution<double> along(0, curve.GetLength());
+        for (int i = 0; i < 500; ++i)
+            abscissas.push_back(along(rng));
+        for (double s : abscissas) {
+            const size_t i = curve.GetFunctionIndexAt(s, 0, curve.GetFunctionCount());
+            const auto* arc = dynamic_cast<const CircleArc*>(curve.GetFunction(i));
+            EXPECT_EQ(Sample(curve, s).curvature, arc ? arc->GetCurvature() : 0) << s << " " << reversed;
+        }
+    }
+}
+
 TEST(Curve2D, SamplesInsideAndStraightBeyondTheEnds) {
     CountedPtr<Curve2D> curve = LShape();
     const double length = curve->GetLength();

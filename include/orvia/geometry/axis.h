@@ -2,6 +2,7 @@
 // banking profile over one abscissa.
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -161,10 +162,14 @@ public:
 
     // --- Banking ------------------------------------------------------------------------------------------
     // b clamped to [-kMaxBanking, kMaxBanking].
-    static double ValidateBanking(double b);
+    static double ValidateBanking(double b) {
+        return b < -kMaxBanking ? -kMaxBanking : (b > kMaxBanking ? kMaxBanking : b);
+    }
     // Altitude at lateral offset t (m) on a cross-section banked by b (radians): z + t tan(-clamp(b)); a
     // positive banking lowers the right side. z when |b| < kNoBanking.
-    static double ApplyBankingOnAltitude(double z, double t, double b);
+    static double ApplyBankingOnAltitude(double z, double t, double b) {
+        return std::fabs(b) < kNoBanking ? z : z + t * std::tan(-ValidateBanking(b));
+    }
 
 protected:
     bool IsAxisValid() const { return m_axisValid; }
@@ -180,11 +185,6 @@ protected:
     double GetBoundingMargin() const { return m_boundingMargin; }
 
 private:
-    // Elevation z, slope angle and vertical curvature of the elevation piece at s (0 without one).
-    void ElevationAt(double s, double& z, double& slope, double* verticalCurvature) const;
-    // Banking value at s (0 without a banking piece).
-    double BankingAt(double s) const;
-
     double m_xyLength = 0;
     double m_totalLength = 0;
     vek::Box3 m_boundingBox;

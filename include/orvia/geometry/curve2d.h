@@ -150,10 +150,9 @@ private:
 
     // Position in the element list of piece index's element; the list size beyond the count.
     size_t ElementPosition(size_t index) const;
-    // Sample of piece i at the clamped local abscissa.
-    PointData SampleRecord(size_t i, double s) const;
 
     std::vector<Record> m_records;
+    bool m_increasing = true;  // no record ends before it starts (no piece of negative length)
 };
 
 }  // namespace Orvia
