@@ -30,7 +30,8 @@ class Network : public Ruvex::NetworkElement {
 public:
     static constexpr size_t npos = static_cast<size_t>(-1);
 
-    enum ETrafficHandType { eNotDefined = 0, eRightHand = 1, eLeftHand = 2 };
+    // A fixed underlying type, so that any integer is a value (ToText answers for all of them).
+    enum ETrafficHandType : int { eNotDefined = 0, eRightHand = 1, eLeftHand = 2 };
     // "not defined", "right-hand", "left-hand"; any other value gives "not defined".
     static const std::string& ToText(const ETrafficHandType& type);
     // The value whose text equals `text` exactly (case included); eNotDefined when none does.
