@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 #include <orvia/geometry/clothoid_spline.h>
 #include <orvia/geometry/polyline.h>
@@ -48,20 +50,6 @@ inline void OffsetSample(double t, PointData& pd) {
     }
 }
 
-// First record whose end is >= s (the last one when none is), by a search without data-dependent branches.
-// The ends must not decrease.
-template <class Record>
-size_t LowerBoundOnEnd(const std::vector<Record>& records, double s) {
-    const Record* base = records.data();
-    size_t n = records.size();
-    while (n > 1) {
-        const size_t half = n / 2;
-        base = base[half - 1].end < s ? base + half : base;
-        n -= half;
-    }
-    return static_cast<size_t>(base - records.data());
-}
-
 }  // namespace
 
 Curve2D::Curve2D() = default;
@@ -86,16 +74,55 @@ Curve2D::~Curve2D() = default;
 
 void Curve2D::UpdateParametricFunctionVector() {
     m_records.clear();
-    m_increasing = true;
     double start = 0;
     for (const Ruvex::CountedPtr<Ruvex::Element>& element : m_Functions) {
         auto* function = dynamic_cast<ParametricFunction*>(element.Get());
         if (!function) continue;
         const double end = start + function->GetLength();
         m_records.push_back({function, start, end});
-        m_increasing = m_increasing && end >= start;
         start = end;
     }
+    IndexRecords();
+}
+
+void Curve2D::IndexRecords() {
+    m_buckets.clear();
+    m_bucketScale = 0;
+    const size_t n = m_records.size();
+    if (n == 0 || n >= std::numeric_limits<uint32_t>::max()) return;
+    for (const Record& record : m_records)
+        if (!(record.end >= record.start)) return;
+    const double length = m_records.back().end;
+    if (!(length > 0 && std::isfinite(length))) return;
+    // One bucket per piece: a bucket then meets one or two pieces on a road's alignment.
+    const size_t count = n;
+    m_bucketScale = static_cast<double>(count) / length;
+    m_buckets.resize(count + 1);
+    size_t j = 0;
+    for (size_t b = 0; b <= count; ++b) {
+        const double x = static_cast<double>(b) * length / static_cast<double>(count);
+        while (j + 1 < n && m_records[j].end < x)
+            ++j;
+        m_buckets[b] = static_cast<uint32_t>(j);
+    }
+}
+
+size_t Curve2D::FindRecord(double s) const {
+    const size_t n = m_records.size();
+    if (!m_buckets.empty()) {
+        const size_t count = m_buckets.size() - 1;
+        const size_t b = std::min(static_cast<size_t>(s * m_bucketScale), count - 1);
+        const auto first = m_records.begin() + m_buckets[b];
+        const auto last = m_records.begin() + m_buckets[b + 1] + 1;
+        const size_t i = static_cast<size_t>(
+            std::partition_point(first, last, [s](const Record& r) { return r.end < s; }) -
+            m_records.begin());
+        // The first record reaching s, holding it strictly before its end, is the only one holding s: the
+        // bisection finds it too. Anything else (a boundary, a rounding at a bucket's edge) goes to the
+        // bisection.
+        if (i < n && s < m_records[i].end && (i == 0 || m_records[i - 1].end < s)) return i;
+    }
+    return GetFunctionIndexAt(s, 0, n);
 }
 
 size_t Curve2D::ElementPosition(size_t index) const {
@@ -203,7 +230,7 @@ void Curve2D::SetLength(double length) {
         Record& last = m_records.back();
         last.function->SetLength(last.function->GetLength() + length - current);
         last.end = last.start + last.function->GetLength();
-        m_increasing = m_increasing && last.end >= last.start;
+        IndexRecords();
     }
 }
 
@@ -211,16 +238,7 @@ bool Curve2D::GetPointData(double s, double t, PointData& out) const {
     if (m_records.empty()) return false;
     const double length = m_records.back().end;
     if (!(s >= 0 && s <= length)) return ComputePointDataOutside(s < 0 ? 0 : length, s, t, out);
-    // The piece holding s strictly inside is the only one that holds it, so a branch-free search finds what
-    // the bisection finds; on a boundary (or with a table that does not increase) the bisection decides.
-    size_t i = m_records.size() - 1;
-    if (m_increasing) {
-        i = LowerBoundOnEnd(m_records, s);
-        if (s == m_records[i].end) i = GetFunctionIndexAt(s, 0, m_records.size());
-    } else {
-        i = GetFunctionIndexAt(s, 0, m_records.size());
-    }
-    const Record& record = m_records[i];
+    const Record& record = m_records[FindRecord(s)];
     // Clamped by hand: a piece of negative length (a reversed segment) has its bounds the wrong way round.
     const double local = s - record.start, span = record.end - record.start;
     out = record.function->GetPointData(local < 0 ? 0 : (local > span ? span : local));
@@ -358,6 +376,7 @@ void Curve2D::CopyFrom(const Curve2D* other) {
 void Curve2D::Clear() {
     m_Functions.clear();
     m_records.clear();
+    IndexRecords();
 }
 
 // ---------------------------------------------------------------------------------------------------------------

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <vector>
 
@@ -150,9 +151,17 @@ private:
 
     // Position in the element list of piece index's element; the list size beyond the count.
     size_t ElementPosition(size_t index) const;
+    // Rebuilds the abscissa index of the table.
+    void IndexRecords();
+    // The piece GetFunctionIndexAt(s, 0, count) finds, for s in [0, length], through the index when it can.
+    size_t FindRecord(double s) const;
 
     std::vector<Record> m_records;
-    bool m_increasing = true;  // no record ends before it starts (no piece of negative length)
+    // Bucket b covers abscissas [b, b + 1) / m_bucketScale and holds the first record whose end reaches the
+    // bucket's start; the last entry closes the last bucket. Empty when the table cannot be indexed (no
+    // length, or a piece of negative length).
+    std::vector<uint32_t> m_buckets;
+    double m_bucketScale = 0;  // buckets per metre
 };
 
 }  // namespace Orvia
