@@ -1,0 +1,244 @@
+// Query throughput of the composite horizontal curve and of the axis, single thread, against a floor: a loop
+// of the same length that only calls std::sin and std::cos. Each query reports queries per second
+// (items_per_second) and cost_vs_floor, the time of one query in units of one floor step (sin + cos).
+//
+// The curve has 1,000 pieces end to end. Arg 0 of the curve benchmarks picks the mix: 0 the pieces of road
+// alignments (segments, circle arcs, clothoid arcs), 1 the same with one piece in ten defined by a control
+// polygon (clothoid splines and clamped-spline polylines). The axis adds a 100-piece elevation profile and a
+// 50-piece banking profile over the same length.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include <orvia/geometry/axis.h>
+#include <orvia/geometry/cartesian_curve.h>
+#include <orvia/geometry/circle_arc.h>
+#include <orvia/geometry/clotho_arc.h>
+#include <orvia/geometry/clothoid_spline.h>
+#include <orvia/geometry/curve2d.h>
+#include <orvia/geometry/polyline.h>
+#include <orvia/geometry/segment.h>
+#include <orvia/ruvex/counted.h>
+#include <orvia/vek/mark.h>
+
+namespace {
+
+constexpr int kQueries = 4096;  // queries per benchmark iteration
+constexpr int kPieces = 1000;
+
+// kQueries values spread over [0, length] in a scrambled order, so that consecutive queries land on unrelated
+// pieces (no help from the branch predictor or the cache).
+std::vector<double> Abscissas(double length) {
+    std::vector<double> s(kQueries);
+    for (int i = 0; i < kQueries; ++i)
+        s[i] = length * static_cast<double>((i * 2749) % kQueries) / (kQueries - 1);
+    return s;
+}
+
+double FloorLoop(const std::vector<double>& s) {
+    double sum = 0;
+    for (double x : s)
+        sum += std::sin(x) + std::cos(x);
+    return sum;
+}
+
+// Seconds per floor step, measured once over at least 0.2 s.
+double FloorSecondsPerQuery() {
+    static const double seconds = [] {
+        const std::vector<double> s = Abscissas(100);
+        using Clock = std::chrono::steady_clock;
+        long long loops = 0;
+        const Clock::time_point start = Clock::now();
+        Clock::duration elapsed{};
+        do {
+            benchmark::DoNotOptimize(FloorLoop(s));
+            ++loops;
+            elapsed = Clock::now() - start;
+        } while (elapsed < std::chrono::milliseconds(200));
+        return std::chrono::duration<double>(elapsed).count() / (static_cast<double>(loops) * kQueries);
+    }();
+    return seconds;
+}
+
+template <class Query>
+void Run(benchmark::State& state, int count, Query query) {
+    FloorSecondsPerQuery();
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
+    for (auto _ : state) {
+        for (int i = 0; i < count; ++i)
+            query(i);
+        benchmark::ClobberMemory();
+    }
+    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    const double queries = static_cast<double>(state.iterations()) * count;
+    state.SetItemsProcessed(static_cast<int64_t>(queries));
+    state.counters["cost_vs_floor"] = seconds / queries / FloorSecondsPerQuery();
+}
+
+// A gently bent polygon leaving its start along +x (the first point and the first edge's direction are kept
+// by the origin constraints).
+std::vector<vek::Vector2> BentPolygon(std::mt19937& rng) {
+    std::uniform_real_distribution<double> edge(15, 35), bend(-0.25, 0.25);
+    std::vector<vek::Vector2> points = {{0, 0}, {edge(rng), 0}};
+    double direction = 0;
+    for (int j = 0; j < 2; ++j) {
+        direction += bend(rng);
+        points.push_back(points.back() + vek::Vector2(std::cos(direction), std::sin(direction)) * edge(rng));
+    }
+    return points;
+}
+
+// 1,000 tangent-continuous pieces of 8 to 40 m, |curvature| <= 0.02 /m, clothoids within the Cornu series'
+// accurate range.
+Ruvex::CountedPtr<Orvia::Curve2D> MixedCurve(bool withPolygonPieces) {
+    std::mt19937 rng(1234);
+    std::uniform_real_distribution<double> length(8, 40), curvature(-0.02, 0.02), unit(0, 1);
+    Ruvex::CountedPtr<Orvia::Curve2D> curve(new Orvia::Curve2D);
+    for (int i = 0; i < kPieces; ++i) {
+        const double r = unit(rng);
+        if (withPolygonPieces && r < 0.1) {
+            if (r < 0.05) {
+                auto* spline = new ClothoidSpline;
+                spline->SetOriginConstraints(true, true);
+                spline->SetControlPoints(BentPolygon(rng));
+                curve->AddFunction(spline);
+            } else {
+                auto* polyline = new PolyLine(PolyLine::EType::ClampedSpline, true);
+                polyline->SetControlPoints(BentPolygon(rng));
+                curve->AddFunction(polyline);
+            }
+        } else if (r < 0.4) {
+            curve->AddFunction(new Segment(length(rng)));
+        } else if (r < 0.65) {
+            curve->AddFunction(new CircleArc(length(rng), curvature(rng)));
+        } else {
+            double l = 0, k0 = 0, k1 = 0;
+            do {
+                l = length(rng);
+                k0 = curvature(rng);
+                k1 = curvature(rng);
+            } while (!(std::fabs(k1 - k0) > 0 &&
+                       0.5 * std::max(std::fabs(k0), std::fabs(k1)) * std::sqrt(2 * l / std::fabs(k1 - k0)) <=
+                           2.5));
+            curve->AddFunction(new ClothoArc(l, k0, k1));
+        }
+    }
+    curve->SetOrigin({5000, -3000}, 0.4);
+    curve->UpdateFunctionsFromStart();
+    return curve;
+}
+
+// An axis over the mixed curve with a rolling elevation profile and a banking profile.
+class BenchAxis : public Orvia::Axis {
+public:
+    BenchAxis()
+        : m_xy(MixedCurve(false)),
+          m_sz(new Orvia::CartesianCurve("SZCurve")),
+          m_banking(new Orvia::CartesianCurve("BankingCurve")) {
+        const double length = m_xy->GetLength();
+        std::vector<Orvia::PtInCurve> elevation, banking;
+        for (int i = 0; i <= 100; ++i)
+            elevation.push_back({{length * i / 100, 100 + 8 * std::sin(i * 0.7)}, 0.03 * std::cos(i * 0.7)});
+        for (int i = 0; i <= 50; ++i)
+            banking.push_back({{length * i / 50, 0.04 * std::sin(i * 1.3)}, 0});
+        m_sz->MakeFrom(elevation);
+        m_banking->MakeFrom(banking);
+        Validate();
+    }
+    Orvia::Curve2D* GetXYCurve() const override { return m_xy.Get(); }
+    Orvia::CartesianCurve* GetSZCurve() const override { return m_sz.Get(); }
+    Orvia::CartesianCurve* GetBankingCurve() const override { return m_banking.Get(); }
+    void UpdateCacheData() override {
+        SetCachedXYLength(m_xy->GetLength());
+        SetCachedTotalLength(m_xy->GetLength());
+    }
+    bool Validate() override {
+        UpdateCacheData();
+        SetAxisValid(true);
+        SetXYLengthValid(true);
+        return true;
+    }
+    void InvertAxis() override { InvertCurves(); }
+
+private:
+    Ruvex::CountedPtr<Orvia::Curve2D> m_xy;
+    Ruvex::CountedPtr<Orvia::CartesianCurve> m_sz;
+    Ruvex::CountedPtr<Orvia::CartesianCurve> m_banking;
+};
+
+void BM_Floor_SinCos(benchmark::State& state) {
+    const std::vector<double> s = Abscissas(100);
+    Run(state, kQueries, [&](int i) { benchmark::DoNotOptimize(std::sin(s[i]) + std::cos(s[i])); });
+}
+
+// Arg 0: the mix; arg 1: the lateral offset (m).
+void BM_Curve2D_GetPointData(benchmark::State& state) {
+    const Ruvex::CountedPtr<Orvia::Curve2D> curve = MixedCurve(state.range(0) != 0);
+    const std::vector<double> s = Abscissas(curve->GetLength());
+    const double t = static_cast<double>(state.range(1));
+    Run(state, kQueries, [&](int i) {
+        PointData pd;
+        benchmark::DoNotOptimize(curve->GetPointData(s[i], t, pd));
+        benchmark::DoNotOptimize(pd);
+    });
+}
+
+// Points within 5 m of the curve; the search starts from a guess up to 2 m off (a caller's previous answer).
+// Arg 0: the mix; arg 1: -log10 of the tolerance (m).
+void BM_Curve2D_SearchNearestAbscissa(benchmark::State& state) {
+    const Ruvex::CountedPtr<Orvia::Curve2D> curve = MixedCurve(state.range(0) != 0);
+    const double tolerance = std::pow(10.0, -static_cast<double>(state.range(1)));
+    std::mt19937 rng(99);
+    std::uniform_real_distribution<double> along(0, curve->GetLength()), across(-5, 5), guess(-2, 2);
+    std::vector<vek::Vector2> points(kQueries);
+    std::vector<double> starts(kQueries);
+    for (int i = 0; i < kQueries; ++i) {
+        const double s = along(rng);
+        PointData pd;
+        curve->GetPointData(s, across(rng), pd);
+        points[i] = pd.position;
+        starts[i] = s + guess(rng);
+    }
+    Run(state, kQueries, [&](int i) {
+        benchmark::DoNotOptimize(curve->SearchNearestAbscissa(points[i], starts[i], tolerance, 100));
+    });
+}
+
+void BM_Axis_GetMark(benchmark::State& state) {
+    BenchAxis axis;
+    const std::vector<double> s = Abscissas(axis.GetXYLength());
+    const double t = static_cast<double>(state.range(0)) * 0.5;
+    Run(state, kQueries, [&](int i) {
+        vek::Mark mark;
+        benchmark::DoNotOptimize(axis.GetMark(mark, s[i], t));
+        benchmark::DoNotOptimize(mark);
+    });
+}
+
+void BM_Axis_GetGeometricData(benchmark::State& state) {
+    BenchAxis axis;
+    const std::vector<double> s = Abscissas(axis.GetXYLength());
+    const vek::Vector2 offset(static_cast<double>(state.range(0)) * 0.5, 0);
+    Run(state, kQueries, [&](int i) {
+        vek::Vector2 position, tangent;
+        double altitude, slope, curvature, vertical, banking;
+        benchmark::DoNotOptimize(axis.GetGeometricData(s[i], offset, &position, &altitude, &tangent, &slope,
+                                                       &curvature, &vertical, &banking));
+        benchmark::DoNotOptimize(position);
+        benchmark::DoNotOptimize(altitude);
+    });
+}
+
+}  // namespace
+
+BENCHMARK(BM_Floor_SinCos);
+BENCHMARK(BM_Curve2D_GetPointData)->Args({0, 0})->Args({0, 2})->Args({1, 0});
+BENCHMARK(BM_Curve2D_SearchNearestAbscissa)->Args({0, 3})->Args({0, 6})->Args({1, 3});
+BENCHMARK(BM_Axis_GetMark)->Arg(0)->Arg(7);
+BENCHMARK(BM_Axis_GetGeometricData)->Arg(0)->Arg(7);
