@@ -15,4 +15,16 @@ bool DataConverter::LoadPolyLine(Ruvex::PolyLineElement* record, Ruvex::IDOMElem
     return record->Ruvex::PolyLineElement::LoadFromXMLElement(element, parser);
 }
 
+bool DataConverter::LoadNetwork_v_2_2_2(Ruvex::NetworkElement* record, Ruvex::IDOMElement* element,
+                                        Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::NetworkElement::LoadFromXMLElement(element, parser);
+}
+
+bool DataConverter::LoadRoad(Ruvex::RoadElement* record, Ruvex::IDOMElement* element,
+                             Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::RoadElement::LoadFromXMLElement(element, parser);
+}
+
 }  // namespace QorOldData

@@ -1,3 +1,4 @@
+#include <orvia/core/legacy_converter.h>
 #include <orvia/core/network.h>
 
 #include <orvia/core/background_image.h>
@@ -22,7 +23,7 @@ namespace Orvia {
 
 namespace {
 
-// Files of version 2.2.2 and older have another layout; their reader is not part of this library.
+// Files of version 2.2.2 and older go through the legacy converter.
 constexpr uint32_t kLastOldLayoutVersion = Ruvex::MakeVersionID(2, 2, 2);
 
 const std::string kBackgroundImageTag = "BackgroundImage";
@@ -166,12 +167,11 @@ Network* Network::LoadAndMakeAbsolutePaths(const char* text, size_t length,
 
 bool Network::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
-    if (parser->GetVersion() <= kLastOldLayoutVersion) {
-        parser->ReportProblem(element, "<Network> of format 2.2.2 or older: this layout is not read");
-        return false;
-    }
     m_formatVersion = parser->GetVersion();
-    if (!NetworkElement::LoadFromXMLElement(element, parser)) return false;
+    const bool loaded = parser->GetVersion() <= kLastOldLayoutVersion
+                            ? QorOldData::DataConverter::LoadNetwork_v_2_2_2(this, element, parser)
+                            : NetworkElement::LoadFromXMLElement(element, parser);
+    if (!loaded) return false;
     AdoptExternal(m_GlobalTerrainElement);
     AdoptExternal(m_RollingSurfaceElement);
     AdoptExternal(m_PhysicalSurfaceElement);

@@ -1,3 +1,4 @@
+#include <orvia/core/legacy_converter.h>
 #include <orvia/topology/road.h>
 
 #include <orvia/core/network.h>
@@ -79,10 +80,8 @@ Road::~Road() = default;
 
 bool Road::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
-    if (parser->GetVersion() < kFirstRoadLayoutVersion) {
-        parser->ReportProblem(element, "<Road> of a file older than format 1.4.2: this layout is not read");
-        return false;
-    }
+    if (parser->GetVersion() < kFirstRoadLayoutVersion)
+        return QorOldData::DataConverter::LoadRoad(this, element, parser);
     return RoadElement::LoadFromXMLElement(element, parser);
 }
 

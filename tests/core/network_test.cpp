@@ -245,17 +245,23 @@ TEST(Network, LoadFromMemoryAndFile) {
     EXPECT_EQ(Ruvex::GetLastProblems()[0].file, "buffer");
 }
 
-TEST(Network, LoadRefusesTheOldLayout) {
-    const char* old = R"(<Ruvex version="2.2" versionRevision="2"><Network name="Old"/></Ruvex>)";
-    EXPECT_FALSE(CountedPtr<Network>(Network::Load(old, 0, {})));
-    ASSERT_FALSE(Ruvex::GetLastProblems().empty());
-    EXPECT_NE(Ruvex::GetLastProblems()[0].message.find("2.2.2"), std::string::npos);
-    EXPECT_EQ(Ruvex::GetLastProblems()[0].line, 1u);
-
-    const char* first = R"(<Ruvex version="2.2" versionRevision="3"><Network name="New"/></Ruvex>)";
-    CountedPtr<Network> network(Network::Load(first, 0, {}));
+TEST(Network, OldLayoutGoesThroughTheConverter) {
+    // The converter reads the layout of 2.2.2 and older with the current reader: the same content comes out.
+    const char* old = R"(<Ruvex version="2.2" versionRevision="2"><Network name="Old" trafficHand="left-hand">
+        <SubNetworks><SubNetwork name="A"/></SubNetworks></Network></Ruvex>)";
+    CountedPtr<Network> network(Network::Load(old, 0, {}));
     ASSERT_TRUE(network);
-    EXPECT_EQ(network->GetFormatVersion(), Ruvex::MakeVersionID(2, 2, 3));
+    EXPECT_EQ(network->GetFormatVersion(), Ruvex::MakeVersionID(2, 2, 2));
+    EXPECT_EQ(network->GetName(), "Old");
+    EXPECT_EQ(network->GetHandType(), Network::eLeftHand);
+    ASSERT_EQ(network->GetSubNetworkCount(), 1u);
+    EXPECT_EQ(network->GetSubNetwork(0)->GetName(), "A");
+
+    const char* broken = R"(<Ruvex version="2.2" versionRevision="2"><Network name="Old">
+        <SubNetworks><SubNetwork name="A" heading="north"/></SubNetworks></Network></Ruvex>)";
+    EXPECT_FALSE(CountedPtr<Network>(Network::Load(broken, 0, {})));
+    ASSERT_FALSE(Ruvex::GetLastProblems().empty());
+    EXPECT_EQ(Ruvex::GetLastProblems()[0].line, 2u);
 }
 
 TEST(Network, PostLoadResolvesAndDropsJunctionsHighestFirst) {

@@ -111,13 +111,17 @@ TEST(RoadPiece, LegacyIndicesBecomeNames) {
     EXPECT_NE(saved.find(R"(<Legacy firstIndex="0" secondIndex="0")"), std::string::npos);
 }
 
-TEST(Road, OldLayoutIsRefused) {
+TEST(Road, OldLayoutGoesThroughTheConverter) {
     Orvia::Init(Ruvex::Encoding::GetMode());
-    const char* old = R"(<Ruvex version="1.4" versionRevision="1"><Road name="R"/></Ruvex>)";
-    EXPECT_FALSE(CountedPtr<Ruvex::Element>(Ruvex::Load(old, true)));
-    ASSERT_FALSE(Ruvex::GetLastProblems().empty());
-    EXPECT_NE(Ruvex::GetLastProblems()[0].message.find("1.4.2"), std::string::npos);
-    const char* current = R"(<Ruvex version="1.4" versionRevision="2"><Road name="R"/></Ruvex>)";
-    CountedPtr<Ruvex::Element> road(Ruvex::Load(current, true));
-    EXPECT_NE(dynamic_cast<Road*>(road.Get()), nullptr);
+    for (const char* text : {R"(<Ruvex version="1.4" versionRevision="1"><Road name="R" priorityLevel="3">
+                                 <RoadElement subNetwork="A" track="T"/></Road></Ruvex>)",
+                             R"(<Ruvex version="1.4" versionRevision="2"><Road name="R" priorityLevel="3">
+                                 <RoadElement subNetwork="A" track="T"/></Road></Ruvex>)"}) {
+        CountedPtr<Ruvex::Element> loaded(Ruvex::Load(text, true));
+        auto* road = dynamic_cast<Road*>(loaded.Get());
+        ASSERT_NE(road, nullptr);
+        EXPECT_EQ(road->GetPriorityLevel(), 3u);
+        ASSERT_EQ(road->GetRoadPieceCount(), 1u);
+        EXPECT_EQ(road->GetRoadPiece(0)->GetTrackName(), "T");
+    }
 }

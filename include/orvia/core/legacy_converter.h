@@ -4,6 +4,7 @@
 
 #include <orvia/ruvex/dom.h>
 #include <orvia/ruvex/elements/curves.h>
+#include <orvia/ruvex/elements/network.h>
 
 namespace QorOldData {
 
@@ -17,6 +18,11 @@ public:
     // A <PolyLine> of a document older than 2.3.0; same contract as LoadClothoArc.
     static bool LoadPolyLine(Ruvex::PolyLineElement* record, Ruvex::IDOMElement* element,
                              Ruvex::IDOMParser* parser);
+    // A <Network> of a document of version 2.2.2 or older; same contract as LoadClothoArc.
+    static bool LoadNetwork_v_2_2_2(Ruvex::NetworkElement* record, Ruvex::IDOMElement* element,
+                                    Ruvex::IDOMParser* parser);
+    // A <Road> of a document older than 1.4.2; same contract as LoadClothoArc.
+    static bool LoadRoad(Ruvex::RoadElement* record, Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
 };
 
 }  // namespace QorOldData
