@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
+#include <vector>
 
 #include <orvia/geometry/axis_local_geometry.h>
 #include <orvia/vek/math.h>
@@ -15,7 +15,6 @@ using Orvia::Axis;
 using Orvia::LongitudinalCurveType;
 
 constexpr double kPi = vek::kPi;
-constexpr double kMaxBanking = 1.413716694115407;
 
 // 100 m along +x then a left arc of radius 50 over 50 m; a constant 2 % grade from z = 10; banking rising
 // linearly from 0 to 0.1 rad over the first 100 m, then flat.
@@ -30,107 +29,73 @@ void Build(TestAxis& axis) {
 
 }  // namespace
 
-TEST(Axis, BankingLimitsAndAltitude) {
+TEST(Axis, BankingLimitsAndCurveSelection) {
     EXPECT_DOUBLE_EQ(Axis::ApplyBankingOnAltitude(10, 2, 0.1), 10 - 2 * std::tan(0.1));
     EXPECT_DOUBLE_EQ(Axis::ApplyBankingOnAltitude(10, -2, 0.1), 10 + 2 * std::tan(0.1));  // left side rises
-    EXPECT_EQ(Axis::ValidateBanking(2.0), kMaxBanking);
-    EXPECT_EQ(Axis::ValidateBanking(-2.0), -kMaxBanking);
-    EXPECT_EQ(Axis::ValidateBanking(0.3), 0.3);
-    EXPECT_DOUBLE_EQ(Axis::ApplyBankingOnAltitude(10, 2, 2.0), 10 - 2 * std::tan(kMaxBanking));
+    EXPECT_EQ(Axis::ValidateBanking(2.0), 1.413716694115407);
+    EXPECT_EQ(Axis::ValidateBanking(-2.0), -1.413716694115407);
+    EXPECT_DOUBLE_EQ(Axis::ApplyBankingOnAltitude(10, 2, 2.0), 10 - 2 * std::tan(1.413716694115407));
     EXPECT_EQ(Axis::ApplyBankingOnAltitude(10, 2, 5e-13), 10);
-    EXPECT_EQ(Axis::ApplyBankingOnAltitude(10, 0, 0.4), 10);
-}
-
-TEST(Axis, LongitudinalCurveSelection) {
     TestAxis axis;
-    EXPECT_EQ(axis.GetLongitudinalCurve(LongitudinalCurveType::Elevation | LongitudinalCurveType::Banking),
-              axis.GetSZCurve());
     EXPECT_EQ(axis.GetLongitudinalCurve(static_cast<LongitudinalCurveType>(3)), axis.GetSZCurve());
     EXPECT_EQ(axis.GetLongitudinalCurve(LongitudinalCurveType::Banking), axis.GetBankingCurve());
     EXPECT_EQ(axis.GetLongitudinalCurve(static_cast<LongitudinalCurveType>(4)), nullptr);
-    EXPECT_NE(axis.GetSZCurve(), axis.GetBankingCurve());
-    // The base knows no network, no clone and no split.
-    EXPECT_EQ(axis.GetNetwork(), nullptr);
-    EXPECT_EQ(axis.CloneAxis(), nullptr);
-    EXPECT_EQ(axis.Split(1), nullptr);
 }
 
 TEST(Axis, MarkIsLevelOnTheCentreLineAndRolledOffIt) {
     TestAxis axis;
     Build(axis);
     ASSERT_TRUE(axis.Validate());
-    const double s = 50;
-    const double b = axis.GetBankingCurve()->GetValue(s);
+    const double b = axis.GetBankingCurve()->GetValue(50);
     ASSERT_NEAR(b, 0.05, 1e-12);
     vek::Mark mark;
-    ASSERT_TRUE(axis.GetMark(mark, s, 0.0));
+    ASSERT_TRUE(axis.GetMark(mark, 50, 0.0));
     EXPECT_EQ(mark.roll, 0);  // banked axis, level centre-line frame
     EXPECT_NEAR(mark.pitch, -std::atan(0.02), 1e-15);
-    EXPECT_EQ(mark.yaw, 0);
     EXPECT_TRUE(vek::isEqual(mark.position, {50, 0, 11}, 1e-12));
-    ASSERT_TRUE(axis.GetMark(mark, s, 0.5));
+    ASSERT_TRUE(axis.GetMark(mark, 50, 0.5));
     EXPECT_EQ(mark.roll, b);
     EXPECT_TRUE(vek::isEqual(mark.position, {50, -0.5, 11 - 0.5 * std::tan(b)}, 1e-12));
-    EXPECT_NEAR(mark.pitch, -std::atan(0.02), 1e-15);
-    // Only the first component of the offset counts.
-    vek::Mark other;
-    ASSERT_TRUE(axis.GetMark(other, s, vek::Vector2(0.5, 9)));
+    vek::Mark other;  // only the first component of the offset counts
+    ASSERT_TRUE(axis.GetMark(other, 50, vek::Vector2(0.5, 9)));
     EXPECT_EQ(other, mark);
-    // On the arc the yaw follows the heading; the altitude the same elevation piece.
     ASSERT_TRUE(axis.GetMark(mark, 125, -1.0));
     EXPECT_NEAR(mark.yaw, 0.5, 1e-12);
-    EXPECT_NEAR(mark.position.z, 10 + 0.02 * 125 + std::tan(0.1), 1e-12);
-
+    EXPECT_NEAR(mark.position.z, 12.5 + std::tan(0.1), 1e-12);
     TestAxis empty;
     EXPECT_FALSE(empty.GetMark(mark, 0, 0.0));
-    vek::Vector3 n;
-    EXPECT_FALSE(empty.GetNormal(n, 0));
 }
 
 TEST(Axis, GeometricDataExtrapolatesTheAltitudeWithTheSlopeAngle) {
     TestAxis axis;
     Build(axis);
     ASSERT_TRUE(axis.Validate());
-    const double length = axis.GetXYLength();
-    ASSERT_NEAR(length, 150, 1e-12);
-    const double zEnd = axis.GetSZCurve()->GetValue(length);
-    const double angle = std::atan(0.02);
+    const double length = axis.GetXYLength(), zEnd = axis.GetSZCurve()->GetValue(length),
+                 angle = std::atan(0.02);
     vek::Vector2 position, tangent;
     double altitude = 0, slope = 0, curvature = 0, vertical = 1, banking = 0;
     ASSERT_TRUE(axis.GetGeometricData(length + 10, {}, &position, &altitude, &tangent, &slope, &curvature,
                                       &vertical, &banking));
     EXPECT_NEAR(altitude, zEnd + angle * 10, 1e-12);  // the angle, not its tangent, is the rate
-    EXPECT_GT(std::fabs((zEnd + 0.02 * 10) - altitude), 1e-7);
+    EXPECT_GT(std::fabs(zEnd + 0.02 * 10 - altitude), 1e-7);
     EXPECT_NEAR(slope, angle, 1e-15);
     EXPECT_NEAR(vertical, 0, 1e-15);
     EXPECT_NEAR(banking, 0.1, 1e-15);
     EXPECT_EQ(curvature, 0);  // the straight extension
-    PointData end;
-    ASSERT_TRUE(axis.GetXYPointData(end, length + 10, 0));
-    EXPECT_EQ(position, end.position);
     EXPECT_NEAR(tangent.x, std::cos(1.0), 1e-12);
-    // Before the start, and off the centre line with the banking of step 1.
+    // Before the start and off the centre line, with the banking read at s.
     ASSERT_TRUE(
-        axis.GetGeometricData(-5, {2, 0}, nullptr, &altitude, nullptr, nullptr, nullptr, nullptr, &banking));
-    const double bStart = axis.GetBankingCurve()->GetValue(-5);
-    EXPECT_NEAR(banking, bStart, 1e-15);
-    EXPECT_NEAR(altitude, Axis::ApplyBankingOnAltitude(10 - 5 * angle, 2, bStart), 1e-12);
-    // Without the banking output the banking is read at s all the same.
-    ASSERT_TRUE(
-        axis.GetGeometricData(60, {2, 0}, nullptr, &altitude, nullptr, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_NEAR(altitude, 10 + 0.02 * 60 - 2 * std::tan(0.06), 1e-12);
-    // Inside, the vertical curvature is the elevation cubic's.
+        axis.GetGeometricData(-5, {2, 0}, nullptr, &altitude, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_NEAR(altitude,
+                Axis::ApplyBankingOnAltitude(10 - 5 * angle, 2, axis.GetBankingCurve()->GetValue(-5)), 1e-12);
     axis.GetSZCurve()->GetEditableFunction(0)->Set({0, 10}, 0, {150, 13}, 0.04);
     ASSERT_TRUE(
         axis.GetGeometricData(75, {}, nullptr, nullptr, nullptr, nullptr, nullptr, &vertical, nullptr));
     EXPECT_NEAR(vertical, axis.GetSZCurve()->GetCurvature(75), 1e-15);
-    EXPECT_GT(vertical, 0);
-
     // Only horizontal outputs fail on an empty horizontal curve.
     TestAxis empty;
     EXPECT_TRUE(
         empty.GetGeometricData(1, {}, nullptr, &altitude, nullptr, &slope, nullptr, nullptr, &banking));
-    EXPECT_EQ(altitude, 0);
     EXPECT_FALSE(
         empty.GetGeometricData(1, {}, &position, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
 }
@@ -142,20 +107,14 @@ TEST(Axis, PositionTangentNormal) {
     vek::Vector3 p, v, n;
     ASSERT_TRUE(axis.GetPosition(p, 20, 1));
     EXPECT_TRUE(vek::isEqual(p, {20, -1, 10.4 - std::tan(0.02)}, 1e-12));
-    EXPECT_EQ(axis.GetAltitude(20, 1), p.z);
-    EXPECT_NEAR(axis.GetValidAltitude(20, 0), 10.4, 1e-12);
     ASSERT_TRUE(axis.GetTangent(v, 20));
     EXPECT_TRUE(vek::isEqual(v, {std::cos(theta), 0, std::sin(theta)}, 1e-15));
     // The up axis of the unrolled frame climbing the grade leans back.
     ASSERT_TRUE(axis.GetNormal(n, 20));
     EXPECT_TRUE(vek::isEqual(n, {-std::sin(theta), 0, std::cos(theta)}, 1e-15));
-    EXPECT_NEAR(n.dot(v), 0, 1e-15);
-    EXPECT_NEAR(axis.GetSlope(20), theta, 1e-15);
-    EXPECT_TRUE(vek::isEqual(axis.GetXYTangent(125), {std::cos(0.5), std::sin(0.5)}, 1e-12));
     EXPECT_TRUE(
         vek::isEqual(axis.GetXYPosition(125, 0), {100 + 50 * std::sin(0.5), 50 - 50 * std::cos(0.5)}, 1e-12));
-
-    // The combined query agrees with the separate ones.
+    // The combined query agrees with the mark.
     vek::Vector3 position, tangent;
     double curvature = 0;
     ASSERT_TRUE(axis.GetPositionTangentCurvature(125, {1.5, 0}, &position, &tangent, &curvature));
@@ -164,7 +123,6 @@ TEST(Axis, PositionTangentNormal) {
     EXPECT_TRUE(vek::isEqual(position, mark.position, 1e-12));
     EXPECT_TRUE(vek::isEqual(tangent, mark.rotation().column(0), 1e-12));
     EXPECT_EQ(curvature, 0.02);
-
     // Without horizontal pieces: (0, 0) and the elevation; the curvature output is still written.
     TestAxis empty;
     empty.GetSZCurve()->AddFunction(new PolynomialFunction({0, 4}, 0, {10, 4}, 0));
@@ -173,7 +131,7 @@ TEST(Axis, PositionTangentNormal) {
     curvature = 9;
     EXPECT_FALSE(empty.GetPositionTangentCurvature(3, {}, &position, nullptr, &curvature));
     EXPECT_EQ(curvature, 0);
-    EXPECT_FALSE(empty.GetTangent(v, 3));
+    EXPECT_FALSE(empty.GetNormal(n, 0));
 }
 
 TEST(Axis, EndPointsAndSetStartPoint) {
@@ -181,15 +139,11 @@ TEST(Axis, EndPointsAndSetStartPoint) {
     Build(axis);
     Orvia::PointControl start, end;
     ASSERT_TRUE(axis.GetStartPoint(start));
-    EXPECT_EQ(start.x, 0);
     EXPECT_NEAR(start.z, 10, 1e-12);
     EXPECT_NEAR(start.slope, std::atan(0.02), 1e-15);
-    EXPECT_EQ(start.curvature, 0);
     ASSERT_TRUE(axis.GetEndPoint(end));
     EXPECT_NEAR(end.heading, 1, 1e-12);
-    EXPECT_NEAR(end.z, 13, 1e-12);
     EXPECT_NEAR(end.curvature, 0.02, 1e-15);
-
     Orvia::PointControl moved;
     moved.x = 1000;
     moved.y = 2000;
@@ -201,11 +155,8 @@ TEST(Axis, EndPointsAndSetStartPoint) {
     EXPECT_NEAR(end.heading, kPi / 2 + 1, 1e-12);
     EXPECT_NEAR(end.x, 1000 - (50 - 50 * std::cos(1.0)), 1e-9);
     EXPECT_NEAR(end.z, 53, 1e-12);  // the whole profile moved up by 40
-    EXPECT_NEAR(axis.GetAltitude(75, 0), 51.5, 1e-12);
-
     TestAxis empty;
     EXPECT_FALSE(empty.GetStartPoint(start));
-    EXPECT_FALSE(empty.GetEndPoint(end));
 }
 
 TEST(Axis, InvertCurvesRunsTheAxisBackwards) {
@@ -213,12 +164,9 @@ TEST(Axis, InvertCurvesRunsTheAxisBackwards) {
     Build(axis);
     ASSERT_TRUE(axis.Validate());
     const double length = axis.GetXYLength();
-    std::vector<vek::Mark> left;
-    for (int i = 0; i <= 30; ++i) {
-        vek::Mark m;
-        ASSERT_TRUE(axis.GetMark(m, length * i / 30, -1.0));
-        left.push_back(m);
-    }
+    std::vector<vek::Mark> left(31);
+    for (int i = 0; i <= 30; ++i)
+        ASSERT_TRUE(axis.GetMark(left[i], length * i / 30, -1.0));
     axis.InvertCurves();
     EXPECT_TRUE(axis.IsAxisValid());
     for (int i = 0; i <= 30; ++i) {
@@ -230,8 +178,7 @@ TEST(Axis, InvertCurvesRunsTheAxisBackwards) {
         EXPECT_NEAR(m.pitch, -left[i].pitch, 1e-12) << i;
         EXPECT_NEAR(vek::normalizeAngle(m.yaw - left[i].yaw - kPi), 0, 1e-9) << i;
     }
-    // An axis without banking inverts the others.
-    TestAxis flat;
+    TestAxis flat;  // an axis without banking inverts the others
     Build(flat);
     flat.DropBanking();
     flat.InvertAxis();
@@ -245,25 +192,18 @@ TEST(Axis, EditsInvalidateAndTheBoxFollows) {
     vek::Box3 box;
     ASSERT_TRUE(axis.GetBoundingBox(box));
     EXPECT_NEAR(box.min.x, -3 - 0.5, 1e-9);  // the segment's own box is grown by 0.5 % of its length
-    EXPECT_NEAR(box.min.y, -3 - 0.5, 1e-9);
     EXPECT_NEAR(box.min.z, 10, 1e-12);
     EXPECT_NEAR(box.max.z, 13, 1e-12);
-    EXPECT_GT(box.max.x, 100 + 50 * std::sin(1.0) + 3);
-
-    EXPECT_EQ(axis.GetXYFunctionCount(), 2u);
     ASSERT_TRUE(axis.AddXYFunction(new Segment(30), Orvia::Curve2D::npos));
     EXPECT_FALSE(axis.IsAxisValid());
     EXPECT_NEAR(axis.GetValidXYLength(), 180, 1e-12);
     ASSERT_TRUE(axis.GetBoundingBox(box));
     EXPECT_GT(box.max.y, 50 - 50 * std::cos(1.0) + 30 * std::sin(1.0) + 3 - 1e-9);
-    EXPECT_EQ(axis.GetXYFunction(2)->GetLength(), 30);
-    EXPECT_EQ(axis.GetXYFunction(3), nullptr);
     EXPECT_FALSE(axis.AddXYFunction(nullptr, 0));
     ASSERT_TRUE(axis.RemoveXYFunction(0));
     EXPECT_FALSE(axis.RemoveXYFunction(5));
     EXPECT_NEAR(axis.GetValidTotalLength(), 80, 1e-12);
     axis.SetXYLength(60);
-    EXPECT_FALSE(axis.IsXYLengthValid());
     EXPECT_NEAR(axis.GetXYLength(), 80, 1e-12);  // cached until validated
     axis.Validate();
     EXPECT_NEAR(axis.GetXYLength(), 60, 1e-12);
@@ -283,27 +223,19 @@ TEST(AxisLocalGeometry, FillDataAndFrame) {
     local.Init();
     EXPECT_EQ(local.position, vek::Vector2(7, 7));  // Init leaves the position
     EXPECT_EQ(local.altitude, 0);
-    EXPECT_EQ(local.tangent, vek::Vector2(1, 0));
     const int before = axis.validations;
-    ASSERT_TRUE(local.FillData(&axis, 50, {0.5, 0}));  // through the template, as a track would be passed
+    ASSERT_TRUE(local.FillData(&axis, 50, {0.5, 0}));  // through the template, as a track is passed
     EXPECT_GT(axis.validations, before);
-    vek::Mark mark;
+    vek::Mark mark, frame;
     ASSERT_TRUE(axis.GetMark(mark, 50, 0.5));
-    vek::Vector3 p;
-    local.GetPosition(p);
-    EXPECT_TRUE(vek::isEqual(p, mark.position, 1e-12));
-    vek::Mark frame;
     local.GetFrame(frame);
     EXPECT_TRUE(vek::isEqual(frame.position, mark.position, 1e-12));
     EXPECT_NEAR(frame.roll, mark.roll, 1e-15);
     EXPECT_NEAR(frame.pitch, mark.pitch, 1e-15);
     EXPECT_NEAR(frame.yaw, mark.yaw, 1e-15);
     // On the centre line the record still carries the banking as roll; GetMark does not.
-    ASSERT_TRUE(local.FillData(&axis, 50, {}));
+    ASSERT_TRUE(local.FillData(static_cast<Axis*>(&axis), 50, {}));
     local.GetFrame(frame);
     EXPECT_NEAR(frame.roll, 0.05, 1e-12);
-    Axis* base = &axis;
-    ASSERT_TRUE(local.FillData(base, 125, {}));
-    EXPECT_NEAR(local.curvature, 0.02, 1e-15);
     EXPECT_FALSE(local.FillData(static_cast<Axis*>(nullptr), 0, {}));
 }

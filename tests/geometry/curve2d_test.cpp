@@ -18,10 +18,6 @@ using Ruvex::CountedPtr;
 
 constexpr double kPi = vek::kPi;
 
-double AngleDiff(double a, double b) {
-    return vek::normalizeAngle(a - b);
-}
-
 PointData Sample(const Curve2D& curve, double s, double t = 0) {
     PointData pd;
     EXPECT_TRUE(curve.GetPointData(s, t, pd)) << s;
@@ -38,18 +34,18 @@ CountedPtr<Curve2D> LShape() {
     return curve;
 }
 
-// Signed tangential distance from p to the foot at s: zero at a foot, positive before it.
+// Tangential distance from p to the sample at s: zero at a foot, positive before it.
 double FootResidual(const Curve2D& curve, const vek::Vector2& p, double s) {
     const PointData pd = Sample(curve, s);
     return (p - pd.position).dot(pd.GetTangent());
 }
 
-// The nearest point of the curve (with its straight extensions over `margin` metres) found without the
-// Newton iteration: the nearest of samples every 25 cm, then bisection on the tangential residual.
-double TrueNearestAbscissa(const Curve2D& curve, const vek::Vector2& p, double margin) {
+// The nearest point of the curve and its straight extensions, found without the Newton iteration: the
+// nearest of samples every 25 cm, then bisection on the tangential residual.
+double TrueNearestAbscissa(const Curve2D& curve, const vek::Vector2& p) {
     const double step = 0.25;
-    double best = -margin, bestDistance = INFINITY;
-    for (double s = -margin; s <= curve.GetLength() + margin; s += step) {
+    double best = 0, bestDistance = INFINITY;
+    for (double s = -20; s <= curve.GetLength() + 20; s += step) {
         const double d = (Sample(curve, s).position - p).squaredNorm();
         if (d < bestDistance) {
             bestDistance = d;
@@ -57,9 +53,8 @@ double TrueNearestAbscissa(const Curve2D& curve, const vek::Vector2& p, double m
         }
     }
     double lo = best - 2 * step, hi = best + 2 * step;
-    EXPECT_GT(FootResidual(curve, p, lo), 0);
-    EXPECT_LT(FootResidual(curve, p, hi), 0);
-    for (int i = 0; i < 100 && hi - lo > 1e-12; ++i) {
+    EXPECT_TRUE(FootResidual(curve, p, lo) > 0 && FootResidual(curve, p, hi) < 0);
+    for (int i = 0; i < 100; ++i) {
         const double mid = 0.5 * (lo + hi);
         (FootResidual(curve, p, mid) > 0 ? lo : hi) = mid;
     }
@@ -71,34 +66,19 @@ double TrueNearestAbscissa(const Curve2D& curve, const vek::Vector2& p, double m
 TEST(Curve2D, PieceLookupOnBoundaries) {
     CountedPtr<Curve2D> curve = LShape();
     const double arc = 5 * kPi, length = 15 + arc;
-    ASSERT_EQ(curve->GetFunctionCount(), 3u);
-    EXPECT_NEAR(curve->GetLength(), length, 1e-12);
-    EXPECT_EQ(curve->GetFunctionStartLength(1), 10);
-    EXPECT_EQ(curve->GetFunctionStartLength(7), curve->GetLength());
-    // Both ends of the arc belong to it: the bisection meets the middle piece first.
+    // Both ends of the arc belong to it: the bisection meets the middle piece first (its curvature shows).
     EXPECT_EQ(curve->GetFunctionIndexAt(10, 0, 3), 1u);
     EXPECT_EQ(curve->GetFunctionIndexAt(10 + arc, 0, 3), 1u);
     EXPECT_NEAR(Sample(*curve, 10).curvature, 0.1, 1e-15);
     EXPECT_NEAR(Sample(*curve, 10 + arc).curvature, 0.1, 1e-15);
-    EXPECT_EQ(Sample(*curve, 9.999).curvature, 0);
-    // Restricted to the first piece, 10 is its end.
     EXPECT_EQ(curve->GetFunctionIndexAt(10, 0, 1), 0u);
-    EXPECT_EQ(curve->GetFunctionIndexAt(-1, 0, 3), 0u);
-    EXPECT_EQ(curve->GetFunctionIndexAt(length + 1, 0, 3), 2u);
     EXPECT_EQ(curve->GetFunctionIndexAt(3, 2, 2), Curve2D::npos);
-    EXPECT_EQ(curve->GetFunctionIndexAt(3, 0, 99), 0u);  // hi is clipped
-
     double start = -1;
-    EXPECT_EQ(curve->GetFunctionIndex(12, start), 1u);
-    EXPECT_EQ(start, 10);
     EXPECT_EQ(curve->GetFunctionIndex(length + 1, start), Curve2D::npos);
     EXPECT_NEAR(start, length, 1e-12);
     EXPECT_EQ(curve->GetFunctionIndex(length + 1e-13, start), 2u);  // within the search tolerance
     EXPECT_EQ(curve->GetFunctionIndex(-3, start), 0u);
-    EXPECT_EQ(start, 0);
-    Curve2D empty;
-    EXPECT_EQ(empty.GetFunctionIndex(0, start), Curve2D::npos);
-    EXPECT_EQ(empty.GetFunctionIndexAt(0, 0, 5), Curve2D::npos);
+    EXPECT_EQ(Curve2D().GetFunctionIndex(0, start), Curve2D::npos);
 }
 
 TEST(Curve2D, SamplesComeFromThePieceTheBisectionFinds) {
@@ -112,216 +92,155 @@ TEST(Curve2D, SamplesComeFromThePieceTheBisectionFinds) {
             curve.AddFunction(new CircleArc(i % 5 == 2 ? 0 : length(rng), 0.001 * (i + 1)));
         if (reversed) curve.InsertFunction(new Segment(-2), 20);
         curve.UpdateFunctionsFromStart();
-        std::vector<double> abscissas;
+        std::vector<double> abscissas = {curve.GetLength()};
         for (size_t i = 0; i < curve.GetFunctionCount(); ++i)
             abscissas.push_back(curve.GetFunctionStartLength(i));
-        abscissas.push_back(curve.GetLength());
         std::uniform_real_distribution<double> along(0, curve.GetLength());
         for (int i = 0; i < 500; ++i)
             abscissas.push_back(along(rng));
         for (double s : abscissas) {
-            const size_t i = curve.GetFunctionIndexAt(s, 0, curve.GetFunctionCount());
-            const auto* arc = dynamic_cast<const CircleArc*>(curve.GetFunction(i));
+            const auto* arc =
+                dynamic_cast<const CircleArc*>(curve.GetFunction(curve.GetFunctionIndexAt(s, 0, 99)));
             EXPECT_EQ(Sample(curve, s).curvature, arc ? arc->GetCurvature() : 0) << s << " " << reversed;
         }
     }
 }
 
-TEST(Curve2D, SamplesInsideAndStraightBeyondTheEnds) {
+TEST(Curve2D, SamplesOffsetsAndStraightExtensions) {
     CountedPtr<Curve2D> curve = LShape();
     const double length = curve->GetLength();
     PointData pd = Sample(*curve, 10 + 2.5 * kPi);  // half way round the arc
     EXPECT_TRUE(vek::isEqual(pd.position, {10 + 10 * std::sin(kPi / 4), 10 - 10 * std::cos(kPi / 4)}, 1e-12));
     EXPECT_NEAR(pd.heading, kPi / 4, 1e-12);
-    pd = Sample(*curve, length);
-    EXPECT_TRUE(vek::isEqual(pd.position, {20, 15}, 1e-12));
-
-    // Before the start: straight back along the start heading.
     pd = Sample(*curve, -5);
     EXPECT_TRUE(vek::isEqual(pd.position, {-5, 0}, 1e-15));
     EXPECT_EQ(pd.heading, 0);
     EXPECT_EQ(pd.curvature, 0);
+    EXPECT_TRUE(vek::isEqual(Sample(*curve, 4, 2).position, {4, -2}, 1e-15));  // t > 0: right
     // Beyond the end along +y, curvature 0; 2 m to the right of +y is +x.
     pd = Sample(*curve, length + 3, 2);
     EXPECT_TRUE(vek::isEqual(pd.position, {22, 18}, 1e-12));
     EXPECT_NEAR(pd.heading, kPi / 2, 1e-12);
     EXPECT_EQ(pd.curvature, 0);
-
-    // A heading beyond pi inside the curve comes back into (-pi, pi] on the extension.
-    Curve2D turn;
-    turn.AddFunction(new CircleArc(kPi * 1.5 * 10, 0.1));  // three quarters of a turn: ends heading 3pi/2
-    turn.UpdateFunctionsFromStart();
-    EXPECT_NEAR(Sample(turn, turn.GetLength()).heading, 1.5 * kPi, 1e-12);
-    EXPECT_NEAR(Sample(turn, turn.GetLength() + 1).heading, -0.5 * kPi, 1e-12);
-
-    Curve2D empty;
-    pd = PointData({7, 7}, 1, 1);
-    EXPECT_FALSE(empty.GetPointData(0, 0, pd));
-    EXPECT_EQ(pd.position, vek::Vector2(7, 7));
-}
-
-TEST(Curve2D, OffsetGoesRightAndKeepsTheAxisCurvature) {
-    CountedPtr<Curve2D> curve = LShape();
-    PointData pd = Sample(*curve, 4, 2);
-    EXPECT_TRUE(vek::isEqual(pd.position, {4, -2}, 1e-15));
-    pd = Sample(*curve, 4, -2);
-    EXPECT_TRUE(vek::isEqual(pd.position, {4, 2}, 1e-15));
     // On the left-turning arc the right side is 11 m from the centre; the curvature stays the axis one.
-    const double s = 10 + 1.3;
-    pd = Sample(*curve, s, 1);
+    pd = Sample(*curve, 11.3, 1);
     EXPECT_NEAR((pd.position - vek::Vector2(10, 10)).norm(), 11, 1e-12);
     EXPECT_NEAR(pd.curvature, 0.1, 1e-15);
-    EXPECT_NEAR(pd.heading, 0.13, 1e-12);
+    // A heading beyond pi inside the curve comes back into (-pi, pi] on the extension.
+    Curve2D turn;
+    turn.AddFunction(new CircleArc(15 * kPi, 0.1));
+    EXPECT_NEAR(Sample(turn, turn.GetLength()).heading, 1.5 * kPi, 1e-12);
+    EXPECT_NEAR(Sample(turn, turn.GetLength() + 1).heading, -0.5 * kPi, 1e-12);
+    pd = PointData({7, 7}, 1, 1);
+    EXPECT_FALSE(Curve2D().GetPointData(0, 0, pd));
+    EXPECT_EQ(pd.position, vek::Vector2(7, 7));
 }
 
 TEST(Curve2D, SetLengthCutsStretchesAndKeepsAMinimum) {
     CountedPtr<Curve2D> curve = LShape();
     curve->SetLength(12);  // inside the arc: the last segment goes
     ASSERT_EQ(curve->GetFunctionCount(), 2u);
-    EXPECT_NEAR(curve->GetLength(), 12, 1e-12);
-    EXPECT_NEAR(curve->GetFunction(1)->GetLength(), 2, 1e-12);
     EXPECT_EQ(curve->GetFunctions().size(), 2u);
+    EXPECT_NEAR(curve->GetFunction(1)->GetLength(), 2, 1e-12);
     curve->SetLength(30);  // the arc, now last, grows
-    EXPECT_NEAR(curve->GetFunction(1)->GetLength(), 20, 1e-12);
     EXPECT_NEAR(curve->GetLength(), 30, 1e-12);
     EXPECT_NEAR(Sample(*curve, 30).heading, 2.0, 1e-12);
-    curve->SetLength(30 + 1e-13);  // within tolerance: nothing
-    EXPECT_NEAR(curve->GetFunction(1)->GetLength(), 20, 1e-12);
     curve->SetLength(0);
     ASSERT_EQ(curve->GetFunctionCount(), 1u);
     EXPECT_NEAR(curve->GetLength(), 0.01, 1e-15);
-
     // A clothoid at the end keeps its rate of change of curvature.
     Curve2D spiral;
     spiral.AddFunction(new Segment(5));
     spiral.AddFunction(new ClothoArc(10, 0, 0.1));
-    spiral.UpdateFunctionsFromStart();
     spiral.SetLength(25);
     EXPECT_NEAR(Sample(spiral, 25).curvature, 0.2, 1e-12);
     spiral.SetLength(10);
     EXPECT_NEAR(Sample(spiral, 10).curvature, 0.05, 1e-12);
-
-    Curve2D empty;
-    empty.SetLength(10);
-    EXPECT_EQ(empty.GetLength(), 0);
 }
 
 TEST(Curve2D, SearchNearestAbscissaEdgeCases) {
     CountedPtr<Curve2D> curve = LShape();
-    const double length = curve->GetLength();
-    // A point on the curve, starting a metre off.
-    const double target = 10 + 3 * kPi;
-    const vek::Vector2 on = Sample(*curve, target).position;
-    EXPECT_NEAR(curve->SearchNearestAbscissa(on, target + 1, 1e-4, 20), target, 1e-3);
-    // Off the curve on the outer side of the arc.
-    const vek::Vector2 off = Sample(*curve, target, 4).position;
-    EXPECT_NEAR(curve->SearchNearestAbscissa(off, target - 2, 1e-9, 200), target, 1e-8);
-    // On the extensions: negative before the start, beyond the length after the end.
-    EXPECT_NEAR(curve->SearchNearestAbscissa({-3, 1}, 1, 1e-9, 200), -3, 1e-8);
+    const double length = curve->GetLength(), target = 10 + 3 * kPi;
+    EXPECT_NEAR(curve->SearchNearestAbscissa(Sample(*curve, target).position, target + 1, 1e-4, 20), target,
+                1e-3);
+    EXPECT_NEAR(curve->SearchNearestAbscissa(Sample(*curve, target, 4).position, target - 2, 1e-9, 200),
+                target, 1e-8);
+    EXPECT_NEAR(curve->SearchNearestAbscissa({-3, 1}, 1, 1e-9, 200), -3, 1e-8);  // on the extensions
     EXPECT_NEAR(curve->SearchNearestAbscissa({19, 18}, length - 1, 1e-9, 200), length + 3, 1e-8);
-    // A start too far outside [-0.2, 1.2] of the length is replaced by the start: with no iteration allowed
-    // the first step from 0 is taken, not one from 1000.
-    const vek::Vector2 near(4, 1);
-    EXPECT_NEAR(curve->SearchNearestAbscissa(near, 1000, 1e-9, 0), 2, 1e-12);
+    // A start outside [-0.2, 1.2] of the length is replaced by 0: one step from there, none allowed after.
     Curve2D line;
     line.AddFunction(new Segment(10));
-    line.UpdateFunctionsFromStart();
-    EXPECT_NEAR(line.SearchNearestAbscissa(near, 11.5, 1e-9, 0), 11.5 + 0.5 * (4 - 11.5), 1e-12);
-    EXPECT_NEAR(line.SearchNearestAbscissa(near, 12.5, 1e-9, 0), 2, 1e-12);
-    EXPECT_NEAR(line.SearchNearestAbscissa(near, -1.9, 1e-9, 0), -1.9 + 0.5 * (4 + 1.9), 1e-12);
-    EXPECT_NEAR(line.SearchNearestAbscissa(near, -2.1, 1e-9, 0), 2, 1e-12);
-
-    // A point whose step leaves [-L, 2L] restarts from 0, every time: the result is the start.
+    EXPECT_NEAR(line.SearchNearestAbscissa({4, 1}, 11.5, 1e-9, 0), 11.5 + 0.5 * (4 - 11.5), 1e-12);
+    EXPECT_NEAR(line.SearchNearestAbscissa({4, 1}, 12.5, 1e-9, 0), 2, 1e-12);
+    EXPECT_NEAR(line.SearchNearestAbscissa({4, 1}, -1.9, 1e-9, 0), -1.9 + 0.5 * 5.9, 1e-12);
+    EXPECT_NEAR(line.SearchNearestAbscissa({4, 1}, -2.1, 1e-9, 0), 2, 1e-12);
+    // A step leaving [-L, 2L] restarts from 0, every time: the result is the start. Within 2L the foot lies
+    // on the extension.
     EXPECT_EQ(line.SearchNearestAbscissa({100, 0}, 5, 1e-6, 50), 0);
-    // So does a point beyond 2L that the damped steps approach from inside; one within 2L lands on the
-    // extension.
     EXPECT_EQ(line.SearchNearestAbscissa({25, 0}, 5, 1e-9, 200), 0);
     EXPECT_NEAR(line.SearchNearestAbscissa({18, 0}, 5, 1e-9, 200), 18, 1e-8);
-
-    Curve2D empty;
-    EXPECT_EQ(empty.SearchNearestAbscissa({1, 1}, 3, 1e-6, 10), 3);
 }
 
 TEST(Curve2D, SearchNearestAbscissaFindsTheTrueFoot) {
     std::mt19937 rng(20240611);
     Curve2D curve;
-    axis_test::AddMixedPieces(curve, rng, 24, 0.06, true, {100, -40}, 0.7);
+    axis_test::AddMixedPieces(curve, rng, 24, 0.06, {100, -40}, 0.7);
     const double length = curve.GetLength();
     std::uniform_real_distribution<double> along(0, length), across(-5, 5);
-    int checked = 0;
     double worst = 0;
     for (int i = 0; i < 1000; ++i) {
-        const double s = along(rng);
-        const vek::Vector2 p = Sample(curve, s, across(rng)).position;
-        const double truth = TrueNearestAbscissa(curve, p, 20);
+        const vek::Vector2 p = Sample(curve, along(rng), across(rng)).position;
         // A caller's first guess: the nearest sample of a 2 m grid.
         double start = 0, startDistance = INFINITY;
         for (double g = 0; g <= length; g += 2) {
             const double d = (Sample(curve, g).position - p).squaredNorm();
-            if (d < startDistance) {
-                startDistance = d;
-                start = g;
-            }
+            if (d < startDistance) startDistance = d, start = g;
         }
-        // The stopping test measures the last step, which the damping makes about half the remaining
-        // error (less than twice it here): a tolerance ten times finer than the accuracy wanted.
-        const double found = curve.SearchNearestAbscissa(p, start, 1e-7, 1000);
-        worst = std::max(worst, std::fabs(found - truth));
-        EXPECT_NEAR(found, truth, 1e-6) << "point " << i << " at s = " << s;
-        ++checked;
+        // The stopping test measures the last step, about half the remaining error (less than twice it
+        // here): a tolerance ten times finer than the accuracy wanted.
+        const double error =
+            std::fabs(curve.SearchNearestAbscissa(p, start, 1e-7, 1000) - TrueNearestAbscissa(curve, p));
+        worst = std::max(worst, error);
+        EXPECT_LT(error, 1e-6) << "point " << i;
     }
-    EXPECT_EQ(checked, 1000);
-    char worstText[32];
-    std::snprintf(worstText, sizeof worstText, "%.3g", worst);
-    RecordProperty("worst_abscissa_error_m", worstText);
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g", worst);
+    RecordProperty("worst_abscissa_error_m", text);
 }
 
 TEST(Curve2D, ComputeAbscissaDistOnTheExtensions) {
     CountedPtr<Curve2D> curve = LShape();
-    const double length = curve->GetLength();
     double s = 0, d = 0;
     ASSERT_TRUE(curve->ComputeAbscissaDistBefore({-3, 2}, s, d));
     EXPECT_NEAR(s, -3, 1e-15);
     EXPECT_NEAR(d, -2, 1e-15);  // left of +x
-    ASSERT_TRUE(curve->ComputeAbscissaDistBefore({-3, -2}, s, d));
-    EXPECT_NEAR(d, 2, 1e-15);
     EXPECT_FALSE(curve->ComputeAbscissaDistBefore({1, 0}, s, d));
     ASSERT_TRUE(curve->ComputeAbscissaDistAfter({19, 18}, s, d));
-    EXPECT_NEAR(s, length + 3, 1e-12);
+    EXPECT_NEAR(s, curve->GetLength() + 3, 1e-12);
     EXPECT_NEAR(d, -1, 1e-12);  // travelling +y, x = 19 is on the left
     ASSERT_TRUE(curve->ComputeAbscissaDistAfter({23, 15}, s, d));
-    EXPECT_NEAR(s, length, 1e-12);
     EXPECT_NEAR(d, 3, 1e-12);
     EXPECT_FALSE(curve->ComputeAbscissaDistAfter({20, 14}, s, d));
-    Curve2D empty;
-    EXPECT_FALSE(empty.ComputeAbscissaDistAfter({0, 0}, s, d));
 }
 
-TEST(Curve2D, InvertRunsBackwardsAndTwiceRestores) {
+TEST(Curve2D, InvertTwiceRestores) {
     std::mt19937 rng(7);
     Curve2D curve;
-    axis_test::AddMixedPieces(curve, rng, 30, 0.08, true, {-20, 35}, -2.5);
+    axis_test::AddMixedPieces(curve, rng, 30, 0.08, {-20, 35}, -2.5);
     const double length = curve.GetLength();
-    std::vector<PointData> before;
-    for (int i = 0; i <= 400; ++i)
-        before.push_back(Sample(curve, length * i / 400));
     Curve2D copy(curve);
     copy.Invert();
     EXPECT_NEAR(copy.GetLength(), length, 1e-9);
-    for (int i = 0; i <= 400; ++i) {
-        const PointData back = Sample(copy, length * (400 - i) / 400);
-        EXPECT_TRUE(vek::isEqual(back.position, before[i].position, 1e-9)) << i;
-    }
+    for (int i = 0; i <= 400; ++i)
+        EXPECT_TRUE(vek::isEqual(Sample(copy, length * (400 - i) / 400).position,
+                                 Sample(curve, length * i / 400).position, 1e-9))
+            << i;
     copy.Invert();
-    double worst = 0;
     for (int i = 0; i <= 400; ++i) {
-        const PointData again = Sample(copy, length * i / 400);
-        worst = std::max(worst, (again.position - before[i].position).norm());
-        EXPECT_NEAR(AngleDiff(again.heading, before[i].heading), 0, 1e-9) << i;
+        const PointData a = Sample(copy, length * i / 400), b = Sample(curve, length * i / 400);
+        EXPECT_TRUE(vek::isEqual(a.position, b.position, 1e-9)) << i;
+        EXPECT_NEAR(vek::normalizeAngle(a.heading - b.heading), 0, 1e-9) << i;
     }
-    EXPECT_LT(worst, 1e-9);
-    // The original is untouched: the copy was deep.
-    EXPECT_TRUE(vek::isEqual(Sample(curve, 0).position, {-20, 35}, 1e-15));
 }
 
 TEST(Curve2D, EditsKeepTheListAndTheTableInStep) {
@@ -332,83 +251,46 @@ TEST(Curve2D, EditsKeepTheListAndTheTableInStep) {
     curve.InsertFunction(c.Get(), Curve2D::npos);
     curve.InsertFunction(b.Get(), 1);
     EXPECT_EQ(a->GetElement()->GetRefCount(), 2u);
-    ASSERT_EQ(curve.GetFunctionCount(), 3u);
-    EXPECT_EQ(curve.GetFunctions().size(), 3u);
-    EXPECT_EQ(curve.GetFunction(1), b.Get());
     EXPECT_EQ(curve.GetFunctions()[1].Get(), b->GetElement());
     EXPECT_EQ(curve.GetFunctionIndex(c.Get()), 2u);
-    EXPECT_EQ(curve.GetFunction(3), nullptr);
-    EXPECT_NEAR(curve.GetLength(), 18, 1e-15);
-
     ASSERT_TRUE(curve.SplitFunction(0, 0.25));
     ASSERT_EQ(curve.GetFunctionCount(), 4u);
-    EXPECT_NEAR(curve.GetFunction(0)->GetLength(), 2.5, 1e-15);
-    EXPECT_NEAR(curve.GetFunction(1)->GetLength(), 7.5, 1e-15);
     EXPECT_TRUE(vek::isEqual(curve.GetFunction(1)->GetStartPosition(), {2.5, 0}, 1e-15));
     EXPECT_NEAR(curve.GetLength(), 18, 1e-15);
     EXPECT_FALSE(curve.SplitFunction(0, 1));
-    EXPECT_FALSE(curve.SplitFunction(9, 0.5));
-
     EXPECT_TRUE(curve.RemoveFunction(2));  // the arc
     EXPECT_EQ(b->GetElement()->GetRefCount(), 1u);
-    EXPECT_EQ(curve.GetFunctionIndex(b.Get()), Curve2D::npos);
     EXPECT_TRUE(curve.RemoveFunction(1, 99));
-    EXPECT_EQ(curve.GetFunctionCount(), 1u);
     EXPECT_EQ(curve.GetFunctions().size(), 1u);
-    EXPECT_EQ(c->GetElement()->GetRefCount(), 1u);
     EXPECT_FALSE(curve.RemoveFunction(1));
-    EXPECT_NEAR(curve.GetLength(), 2.5, 1e-15);
-
-    // A length changed behind the curve's back is seen after the table is rebuilt.
+    // A length changed behind the curve's back is seen once the table is rebuilt.
     curve.GetFunction(0)->SetLength(4);
     EXPECT_NEAR(curve.GetLength(), 2.5, 1e-15);
     curve.UpdateParametricFunctionVector();
     EXPECT_NEAR(curve.GetLength(), 4, 1e-15);
     curve.Clear();
-    EXPECT_EQ(curve.GetFunctionCount(), 0u);
     EXPECT_EQ(curve.GetLength(), 0);
     EXPECT_EQ(a->GetElement()->GetRefCount(), 1u);
 }
 
 TEST(Curve2D, OriginCopyEqualityAndBox) {
     CountedPtr<Curve2D> curve = LShape();
-    curve->SetOrigin({100, 50}, kPi / 2);
-    EXPECT_EQ(curve->GetOriginPosition(), vek::Vector2(100, 50));
-    EXPECT_NEAR(curve->GetOriginOrientation(), kPi / 2, 1e-15);
-    // Turned a quarter left: +x becomes +y, the left turn now ends heading -x.
-    EXPECT_TRUE(vek::isEqual(Sample(*curve, curve->GetLength()).position, {100 - 15, 50 + 20}, 1e-12));
-    for (size_t i = 1; i < 3; ++i) {
-        const ParametricFunction* before = curve->GetFunction(i - 1);
-        EXPECT_TRUE(vek::isEqual(curve->GetFunction(i)->GetStartPosition(),
-                                 before->GetPointData(before->GetLength()).position, 1e-12));
-    }
+    curve->SetOrigin({100, 50}, kPi / 2);  // turned a quarter left: +x becomes +y
+    EXPECT_TRUE(vek::isEqual(Sample(*curve, curve->GetLength()).position, {85, 70}, 1e-12));
     const vek::Box2 box = curve->GetBoundingBox();
     for (int i = 0; i <= 50; ++i)
         EXPECT_TRUE(box.contains(Sample(*curve, curve->GetLength() * i / 50).position)) << i;
     EXPECT_LT(box.max.x, 100.5);
-    EXPECT_GT(box.min.x, 100 - 15.5);
-
     Curve2D copy;
     copy.CopyFrom(curve.Get());
     EXPECT_TRUE(copy.IsEqual(curve.Get()));
-    EXPECT_NE(copy.GetFunction(0), curve->GetFunction(0));
-    EXPECT_TRUE(vek::isEqual(Sample(copy, 12).position, Sample(*curve, 12).position, 1e-15));
+    EXPECT_NE(copy.GetFunction(0), curve->GetFunction(0));  // deep
     copy.GetFunction(1)->SetLength(3);
-    copy.UpdateParametricFunctionVector();
     EXPECT_FALSE(copy.IsEqual(curve.Get()));
-    EXPECT_FALSE(copy.IsEqual(nullptr));
     copy.RemoveFunction(0);
     EXPECT_FALSE(copy.IsEqual(curve.Get()));
-    Curve2D assigned;
-    assigned = *curve;
-    EXPECT_TRUE(assigned.IsEqual(curve.Get()));
-
-    Curve2D empty;
-    EXPECT_EQ(empty.GetOriginPosition(), vek::Vector2());
-    EXPECT_EQ(empty.GetOriginOrientation(), 0);
-    EXPECT_TRUE(empty.GetBoundingBox().isEmpty());
-    empty.SetOrigin({1, 1}, 1);  // nothing to place
-    EXPECT_EQ(empty.GetOriginPosition(), vek::Vector2());
+    EXPECT_EQ(Curve2D().GetOriginPosition(), vek::Vector2());
+    EXPECT_TRUE(Curve2D().GetBoundingBox().isEmpty());
 }
 
 TEST(Curve2D, LoadPlacesAndConstrainsPiecesAndSavesTheOrigin) {
@@ -424,39 +306,29 @@ TEST(Curve2D, LoadPlacesAndConstrainsPiecesAndSavesTheOrigin) {
   </XYCurve>
 </Ruvex>)";
     CountedPtr<Ruvex::Element> root(Ruvex::Load(text, true));
-    ASSERT_TRUE(root);
     auto* curve = dynamic_cast<Curve2D*>(root.Get());
     ASSERT_TRUE(curve);
     ASSERT_EQ(curve->GetFunctionCount(), 5u);
     // Placed from the file's origin heading +y; the right quarter turn then heads +x.
-    EXPECT_TRUE(vek::isEqual(Sample(*curve, 0).position, {10, 20}, 1e-12));
     EXPECT_TRUE(vek::isEqual(Sample(*curve, 10).position, {10, 30}, 1e-12));
     EXPECT_TRUE(vek::isEqual(Sample(*curve, 10 + 5 * kPi).position, {20, 40}, 1e-12));
     // The polyline's first point is moved to its origin; the spline's second point onto its x axis.
-    auto* polyline = dynamic_cast<PolyLine*>(curve->GetFunction(2));
-    ASSERT_TRUE(polyline);
-    EXPECT_EQ(polyline->GetControlPoint(0), vek::Vector2(0, 0));
-    EXPECT_EQ(polyline->GetControlPoint(1), vek::Vector2(13, 4));
-    auto* spline = dynamic_cast<ClothoidSpline*>(curve->GetFunction(3));
-    ASSERT_TRUE(spline);
-    EXPECT_EQ(spline->GetControlPoint(0), vek::Vector2(0, 0));
-    EXPECT_EQ(spline->GetControlPoint(1), vek::Vector2(25, 0));
+    EXPECT_EQ(dynamic_cast<PolyLine*>(curve->GetFunction(2))->GetControlPoint(0), vek::Vector2(0, 0));
+    EXPECT_EQ(dynamic_cast<ClothoidSpline*>(curve->GetFunction(3))->GetControlPoint(1), vek::Vector2(25, 0));
     for (size_t i = 1; i < 5; ++i) {
         const ParametricFunction* before = curve->GetFunction(i - 1);
         EXPECT_TRUE(vek::isEqual(curve->GetFunction(i)->GetStartPosition(),
                                  before->GetPointData(before->GetLength()).position, 1e-9))
             << i;
     }
-
-    // Saved with the current origin; read back it samples the same.
+    // Saved with the current origin; read back it samples the same and saves the same text.
     curve->SetOrigin({-5, 7}, 0.25);
     const std::string saved = Ruvex::SaveToString(curve);
     EXPECT_NE(saved.find("x=\"-5\""), std::string::npos) << saved;
     EXPECT_NE(saved.find("orientation=\"0.25\""), std::string::npos) << saved;
     CountedPtr<Ruvex::Element> again(Ruvex::Load(saved.c_str(), true));
     auto* reloaded = dynamic_cast<Curve2D*>(again.Get());
-    ASSERT_TRUE(reloaded);
-    ASSERT_TRUE(reloaded->IsEqual(curve));
+    ASSERT_TRUE(reloaded && reloaded->IsEqual(curve));
     for (int i = 0; i <= 40; ++i) {
         const double s = curve->GetLength() * i / 40;
         EXPECT_TRUE(vek::isEqual(Sample(*reloaded, s).position, Sample(*curve, s).position, 1e-9)) << s;
