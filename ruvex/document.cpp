@@ -57,19 +57,24 @@ bool ReadFile(const char* path, std::string& text) {
 }
 
 // "2.4" or "2.4.3"; the revision attribute, when present, gives the third number.
-bool ParseVersion(std::string_view text, int parts[3]) {
+bool ParseVersion(std::string_view text, int result[3]) {
     int index = 0;
-    parts[0] = parts[1] = parts[2] = 0;
+    int parts[3] = {0, 0, 0};
+    auto accept = [&] {
+        for (int i = 0; i < 3; ++i)
+            result[i] = parts[i];
+        return true;
+    };
     while (!text.empty() && index < 3) {
         size_t dot = text.find('.');
         std::string_view piece = text.substr(0, dot);
         if (detail::ParseInteger(piece, parts[index]) != AttributeStatus::Ok || parts[index] < 0)
             return false;
         ++index;
-        if (dot == std::string_view::npos) return true;
+        if (dot == std::string_view::npos) return accept();
         text.remove_prefix(dot + 1);
     }
-    return index > 0 && text.empty();
+    return index > 0 && text.empty() && accept();
 }
 
 PreservedNode KeepDocumentNode(pugi::xml_node node, detail::PugiDocument& document, uint32_t anchor) {
@@ -147,27 +152,33 @@ Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& prob
     auto keep = std::make_shared<PreservedContent::Document>();
     keep->latin1 = document.latin1File();
     int version[3] = {kCurrentVersionMajor, kCurrentVersionMinor, kCurrentVersionRevision};
-    bool hasRevision = false;
+    const char* versionText = nullptr;
+    const char* revisionText = nullptr;
     for (pugi::xml_attribute a = root.first_attribute(); a; a = a.next_attribute()) {
-        if (kVersionAttribute == a.name()) {
-            if (!ParseVersion(a.value(), version))
-                document.ReportProblem(&rootWrapper,
-                                       "attribute \"version\" of <Ruvex>: expected a version such as "
-                                       "\"2.4\", found \"" +
-                                           std::string(a.value()) + "\"");
-        } else if (kRevisionAttribute == a.name()) {
-            hasRevision = true;
-            if (detail::ParseInteger(std::string_view(a.value()), version[2]) != AttributeStatus::Ok ||
-                version[2] < 0)
-                document.ReportProblem(&rootWrapper,
-                                       "attribute \"versionRevision\" of <Ruvex>: expected a "
-                                       "non-negative integer, found \"" +
-                                           std::string(a.value()) + "\"");
-        } else {
+        if (kVersionAttribute == a.name())
+            versionText = a.value();
+        else if (kRevisionAttribute == a.name())
+            revisionText = a.value();
+        else
             keep->rootAttributes.push_back({a.name(), a.value()});
-        }
     }
-    (void)hasRevision;
+    // A version that does not read leaves the current one, with a warning.
+    if (versionText && !ParseVersion(versionText, version))
+        document.ReportWarning(&rootWrapper,
+                               "attribute \"version\" of <Ruvex>: expected a version such as \"2.4\", "
+                               "found \"" +
+                                   std::string(versionText) + "\"; left at its default");
+    int revision = 0;
+    if (revisionText) {
+        if (detail::ParseInteger(std::string_view(revisionText), revision) == AttributeStatus::Ok &&
+            revision >= 0)
+            version[2] = revision;
+        else
+            document.ReportWarning(&rootWrapper,
+                                   "attribute \"versionRevision\" of <Ruvex>: expected a non-negative "
+                                   "integer, found \"" +
+                                       std::string(revisionText) + "\"; left at its default");
+    }
     document.SetVersion(MakeVersionID(version[0], version[1], version[2]));
 
     for (pugi::xml_node n = document.doc().first_child(); n; n = n.next_sibling()) {
@@ -204,10 +215,11 @@ Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& prob
         document.ReportProblem(&rootWrapper, "the <Ruvex> root holds no element");
         return fail();
     }
-    if (!document.problems().empty()) {
+    if (document.HasErrors()) {
         object->Release();
         return fail();
     }
+    problems = document.problems();  // warnings only
     object->EditPreserved().document = std::move(keep);
     object->SetRefCount(0);
     return object;
@@ -247,7 +259,7 @@ bool BuildDocument(Element* root, detail::PugiDocument& document, std::string& t
     if (kept) detail::MergePreservedNodes(document, rootNode, kept->rootNodes);
     if (kept) WriteDocumentNodes(doc, kept->epilog);
     document.ApplyDeferred();
-    if (!document.problems().empty()) return false;
+    if (document.HasErrors()) return false;
 
     struct Writer : pugi::xml_writer {
         std::string* out;

@@ -118,8 +118,7 @@ bool Element::LoadAttributes(IDOMElement* element, IDOMParser* parser) {
         IDOMElement* element;
         IDOMParser* parser;
         size_t hint;
-        bool ok;
-    } context{this, element, parser, 0, true};
+    } context{this, element, parser, 0};
     element->VisitAttributes(&context, [](void* opaque, std::string_view name, std::string_view value) {
         auto& c = *static_cast<Context*>(opaque);
         const AttributeField* field = c.self->m_schema->FindAttribute(name, c.hint);
@@ -128,14 +127,13 @@ bool Element::LoadAttributes(IDOMElement* element, IDOMParser* parser) {
             return;
         }
         if (field->read(*c.self, value, *field) == AttributeStatus::Malformed) {
-            c.ok = false;
-            c.parser->ReportProblem(c.element, "attribute \"" + std::string(name) + "\" of <" +
+            c.parser->ReportWarning(c.element, "attribute \"" + std::string(name) + "\" of <" +
                                                    std::string(c.element->GetTagName()) + ">: expected " +
                                                    std::string(Expected(field->typeName)) + ", found \"" +
-                                                   std::string(value) + "\"");
+                                                   std::string(value) + "\"; left at its default");
         }
     });
-    return context.ok;
+    return true;
 }
 
 void Element::LoadChildren(IDOMElement* element, IDOMParser* parser) {

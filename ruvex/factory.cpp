@@ -51,7 +51,7 @@ Element* CreateElement(const std::string& tag) {
 std::string ToString(const Problem& problem) {
     std::string text = problem.file.empty() ? std::string("<input>") : problem.file;
     if (problem.line > 0) text += ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column);
-    return text + ": " + problem.message;
+    return text + (problem.warning ? ": warning: " : ": ") + problem.message;
 }
 
 }  // namespace Ruvex

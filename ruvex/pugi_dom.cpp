@@ -71,7 +71,7 @@ AttributeStatus PugiNode::ReadTyped(std::string_view name, T& value) const {
     if (!a) return AttributeStatus::Absent;
     AttributeStatus status = ParseAs(std::string_view(a.value()), value);
     if (status == AttributeStatus::Malformed)
-        m_document->ReportProblem(this, "attribute \"" + std::string(name) + "\" of " + Describe(this) +
+        m_document->ReportWarning(this, "attribute \"" + std::string(name) + "\" of " + Describe(this) +
                                             ": expected " + Expected<T>() + ", found \"" + a.value() + "\"");
     return status;
 }
@@ -246,6 +246,17 @@ void PugiDocument::ReportProblem(const IDOMElement* where, std::string message) 
     }
     problem.message = std::move(message);
     m_problems.push_back(std::move(problem));
+}
+
+void PugiDocument::ReportWarning(const IDOMElement* where, std::string message) {
+    ReportProblem(where, std::move(message));
+    m_problems.back().warning = true;
+}
+
+bool PugiDocument::HasErrors() const {
+    for (const Problem& problem : m_problems)
+        if (!problem.warning) return true;
+    return false;
 }
 
 void PugiDocument::ReportAt(ptrdiff_t offset, std::string message) {

@@ -76,6 +76,8 @@ public:
     IDOMElement* CreateElement(std::string_view tag) override;
     uint32_t GetVersion() const override { return m_version; }
     void ReportProblem(const IDOMElement* where, std::string message) override;
+    void ReportWarning(const IDOMElement* where, std::string message) override;
+    bool HasErrors() const;
 
     // Reading. `text` is kept (pugixml parses it in place). False when it is not well-formed.
     bool Parse(std::string text);

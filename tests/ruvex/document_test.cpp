@@ -95,26 +95,40 @@ TEST(Document, NumbersAreExactAndLocaleFree) {
     }
 }
 
-TEST(Document, RejectsBadInputWithPlace) {
-    EXPECT_FALSE(LoadText("<Ruvex><Segment length=\"abc\"/></Ruvex>"));
+TEST(Document, BadValuesWarnBadDocumentsFail) {
+    // A value that does not parse is left at its default and listed as a warning with its place.
+    CountedPtr<Element> segment = LoadText("<Ruvex>\n  <Segment\n length=\"abc\"/></Ruvex>");
+    ASSERT_TRUE(segment);
+    EXPECT_EQ(static_cast<SegmentElement*>(segment.Get())->GetLength(), 1.0);
     ASSERT_EQ(GetLastProblems().size(), 1u);
-    EXPECT_EQ(GetLastProblems()[0].line, 1u);
-    EXPECT_NE(GetLastProblems()[0].message.find("expected a finite number"), std::string::npos);
+    const Problem& warning = GetLastProblems()[0];
+    EXPECT_TRUE(warning.warning);
+    EXPECT_EQ(warning.line, 2u);
+    EXPECT_EQ(warning.column, 4u);
+    EXPECT_NE(warning.message.find("expected a finite number"), std::string::npos);
+    EXPECT_NE(ToString(warning).find("buffer:2:4: warning: "), std::string::npos);
+    for (const char* bad : {"nan", "1e999", "", " 1", "1x", "inf"}) {
+        CountedPtr<Element> arc =
+            LoadText(std::string("<Ruvex><CircleArc curvature=\"") + bad + "\"/></Ruvex>");
+        ASSERT_TRUE(arc) << bad;
+        EXPECT_EQ(static_cast<CircleArcElement*>(arc.Get())->GetCurvature(), 1.0) << bad;
+        EXPECT_EQ(GetLastProblems().size(), 1u) << bad;
+    }
+    EXPECT_TRUE(LoadText("<Ruvex><Road priorityLevel=\"-1\"/></Ruvex>"));
+    EXPECT_EQ(GetLastProblems().size(), 1u);
+    EXPECT_TRUE(LoadText("<Ruvex version=\"two\"><Segment/></Ruvex>"));
+    EXPECT_EQ(GetLastProblems().size(), 1u);
 
-    EXPECT_FALSE(LoadText("<Ruvex>\n  <Segment\n length=\"nan\"/></Ruvex>"));
-    ASSERT_FALSE(GetLastProblems().empty());
-    EXPECT_EQ(GetLastProblems()[0].line, 2u);
-    EXPECT_EQ(GetLastProblems()[0].column, 4u);
-
-    EXPECT_FALSE(LoadText("<Ruvex><Segment length=\"1\"></Ruvex>"));  // not well-formed
-    EXPECT_FALSE(GetLastProblems().empty());
-    EXPECT_FALSE(LoadText("<Other><Segment/></Other>"));
-    EXPECT_NE(GetLastProblems()[0].message.find("<Ruvex>"), std::string::npos);
-    EXPECT_FALSE(LoadText("<Ruvex/>"));
-    EXPECT_FALSE(LoadText("<Ruvex version=\"two\"><Segment/></Ruvex>"));
-    EXPECT_FALSE(LoadText("<Ruvex><Road priorityLevel=\"-1\"/></Ruvex>"));
+    // Documents that cannot be read at all give null and an error.
+    for (const char* broken : {"<Ruvex><Segment length=\"1\"></Ruvex>", "", "<Ruvex><Seg",
+                               "<Other><Segment/></Other>", "<Ruvex/>"}) {
+        EXPECT_FALSE(LoadText(broken)) << broken;
+        ASSERT_FALSE(GetLastProblems().empty()) << broken;
+        EXPECT_FALSE(GetLastProblems()[0].warning) << broken;
+    }
     EXPECT_EQ(Load(nullptr, true), nullptr);
     EXPECT_EQ(Load("/nonexistent/file.xml", false), nullptr);
+    EXPECT_EQ(GetLastProblems().size(), 1u);
 }
 
 TEST(Document, SaveReplacesAtomically) {

@@ -6,6 +6,14 @@
 #include <string>
 #include <vector>
 
+namespace Orvia {
+class Network;
+}
+namespace Ruvex {
+template <class T>
+class CountedPtr;
+}
+
 namespace OrviaTool {
 
 struct InfoOptions {
@@ -31,7 +39,11 @@ struct GeoOptions {
 };
 int RunGeo(const GeoOptions& options);
 
-// Prints the element layer's first problem (or `fallback` about `file` when it recorded none) and returns 1.
+// Loads `file` into `network`. A file that does not load, or loads only by overlooking values that do not
+// parse, is bad input: its problems are printed one per line and 1 is returned; 0 otherwise.
+int LoadNetwork(const std::string& file, Ruvex::CountedPtr<Orvia::Network>& network);
+
+// Prints the element layer's first error (or `fallback` about `file` when it recorded none) and returns 1.
 int Fail(const std::string& file, const std::string& fallback);
 
 }  // namespace OrviaTool

@@ -7,8 +7,8 @@
 namespace OrviaTool {
 
 int RunConvert(const ConvertOptions& options) {
-    Ruvex::CountedPtr<Orvia::Network> network(Orvia::Network::Load(options.input.c_str(), {}));
-    if (!network) return Fail(options.input, "the file holds no network");
+    Ruvex::CountedPtr<Orvia::Network> network;
+    if (int status = LoadNetwork(options.input, network)) return status;
 
     bool saved = false;
     if (options.relativePaths) {

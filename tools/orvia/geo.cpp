@@ -8,8 +8,8 @@
 namespace OrviaTool {
 
 int RunGeo(const GeoOptions& options) {
-    Ruvex::CountedPtr<Orvia::Network> network(Orvia::Network::Load(options.file.c_str(), {}));
-    if (!network) return Fail(options.file, "the file holds no network");
+    Ruvex::CountedPtr<Orvia::Network> network;
+    if (int status = LoadNetwork(options.file, network)) return status;
     const Orvia::Geolocalisation* geolocalisation = network->GetGeolocalisation();
     if (!geolocalisation) {
         std::fprintf(stderr, "%s: the network has no geolocalisation\n", options.file.c_str());

@@ -84,8 +84,8 @@ void PrintJson(const std::string& file, const Summary& s) {
 }  // namespace
 
 int RunInfo(const InfoOptions& options) {
-    Ruvex::CountedPtr<Orvia::Network> network(Orvia::Network::Load(options.file.c_str(), {}));
-    if (!network) return Fail(options.file, "the file holds no network");
+    Ruvex::CountedPtr<Orvia::Network> network;
+    if (int status = LoadNetwork(options.file, network)) return status;
 
     Summary s;
     const uint32_t v = network->GetFormatVersion();

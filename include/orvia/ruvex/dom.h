@@ -44,7 +44,8 @@ public:
 
     virtual bool HasAttribute(std::string_view name) const = 0;
     // Typed reads: the status says whether the attribute was there and parsed; `value` is only written on Ok.
-    // Numbers must use the whole text and be finite; a malformed value is also reported to the parser.
+    // Numbers must use the whole text and be finite; a malformed value is reported to the parser as a
+    // warning.
     virtual AttributeStatus ReadAttribute(std::string_view name, std::string& value) const = 0;
     virtual AttributeStatus ReadAttribute(std::string_view name, bool& value) const = 0;
     virtual AttributeStatus ReadAttribute(std::string_view name, int32_t& value) const = 0;
@@ -112,6 +113,9 @@ public:
     virtual uint32_t GetVersion() const = 0;
     // Records a problem found while reading `where` (may be null); loading fails when any was recorded.
     virtual void ReportProblem(const IDOMElement* where, std::string message) = 0;
+    // Records something the reader had to overlook (a value that does not parse and was left at its default);
+    // loading goes on.
+    virtual void ReportWarning(const IDOMElement* where, std::string message) = 0;
 
 protected:
     ~IDOMParser() = default;

@@ -30,8 +30,10 @@ struct Problem {
     size_t line = 0;
     size_t column = 0;
     std::string message;
+    // A warning did not stop the load: the value it names was left at its default.
+    bool warning = false;
 };
-// "file:line:column: message"
+// "file:line:column: message", with "warning: " before the message of a warning.
 std::string ToString(const Problem& problem);
 
 // Parses a document (a file path, or with fromMemory the NUL-terminated text itself) and builds its object
@@ -43,7 +45,7 @@ Element* Load(const char* pathOrText, bool fromMemory);
 bool Save(Element* root, const char* path);
 // The document text that Save would write.
 std::string SaveToString(Element* root);
-// Problems of the last Load or Save on this thread.
+// Problems (errors and warnings) of the last Load or Save on this thread.
 const std::vector<Problem>& GetLastProblems();
 
 }  // namespace Ruvex
