@@ -21,7 +21,7 @@ inline void ElevationAt(const CartesianCurve* sz, double s, double& z, double& s
         return;
     }
     z = f->GetValue(s);
-    slope = f->GetSlope(s);
+    slope = std::atan(f->GetDerivative(s));  // PolynomialFunction::GetSlope, without the call
     if (verticalCurvature) *verticalCurvature = f->GetCurvature(s);
 }
 

@@ -50,6 +50,22 @@ inline void OffsetSample(double t, PointData& pd) {
     }
 }
 
+// The first record reaching s when that record holds s strictly before its end: then it is the only record
+// holding s, which the bisection finds too. npos for anything else (no index, a boundary, a rounding at a
+// bucket's edge), which the bisection decides. See Curve2D::m_buckets.
+template <class Record>
+size_t FindInBuckets(const std::vector<Record>& records, const std::vector<uint32_t>& buckets, double scale,
+                     double s) {
+    if (buckets.empty()) return Curve2D::npos;
+    const size_t b = std::min(static_cast<size_t>(s * scale), buckets.size() - 2);
+    const auto first = records.begin() + buckets[b];
+    const auto last = records.begin() + buckets[b + 1] + 1;
+    const size_t i = static_cast<size_t>(
+        std::partition_point(first, last, [s](const Record& r) { return r.end < s; }) - records.begin());
+    if (i < records.size() && s < records[i].end && (i == 0 || records[i - 1].end < s)) return i;
+    return Curve2D::npos;
+}
+
 }  // namespace
 
 Curve2D::Curve2D() = default;
@@ -105,24 +121,6 @@ void Curve2D::IndexRecords() {
             ++j;
         m_buckets[b] = static_cast<uint32_t>(j);
     }
-}
-
-size_t Curve2D::FindRecord(double s) const {
-    const size_t n = m_records.size();
-    if (!m_buckets.empty()) {
-        const size_t count = m_buckets.size() - 1;
-        const size_t b = std::min(static_cast<size_t>(s * m_bucketScale), count - 1);
-        const auto first = m_records.begin() + m_buckets[b];
-        const auto last = m_records.begin() + m_buckets[b + 1] + 1;
-        const size_t i = static_cast<size_t>(
-            std::partition_point(first, last, [s](const Record& r) { return r.end < s; }) -
-            m_records.begin());
-        // The first record reaching s, holding it strictly before its end, is the only one holding s: the
-        // bisection finds it too. Anything else (a boundary, a rounding at a bucket's edge) goes to the
-        // bisection.
-        if (i < n && s < m_records[i].end && (i == 0 || m_records[i - 1].end < s)) return i;
-    }
-    return GetFunctionIndexAt(s, 0, n);
 }
 
 size_t Curve2D::ElementPosition(size_t index) const {
@@ -238,7 +236,9 @@ bool Curve2D::GetPointData(double s, double t, PointData& out) const {
     if (m_records.empty()) return false;
     const double length = m_records.back().end;
     if (!(s >= 0 && s <= length)) return ComputePointDataOutside(s < 0 ? 0 : length, s, t, out);
-    const Record& record = m_records[FindRecord(s)];
+    size_t i = FindInBuckets(m_records, m_buckets, m_bucketScale, s);
+    if (i == npos) i = GetFunctionIndexAt(s, 0, m_records.size());
+    const Record& record = m_records[i];
     // Clamped by hand: a piece of negative length (a reversed segment) has its bounds the wrong way round.
     const double local = s - record.start, span = record.end - record.start;
     out = record.function->GetPointData(local < 0 ? 0 : (local > span ? span : local));

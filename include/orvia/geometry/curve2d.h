@@ -153,8 +153,6 @@ private:
     size_t ElementPosition(size_t index) const;
     // Rebuilds the abscissa index of the table.
     void IndexRecords();
-    // The piece GetFunctionIndexAt(s, 0, count) finds, for s in [0, length], through the index when it can.
-    size_t FindRecord(double s) const;
 
     std::vector<Record> m_records;
     // Bucket b covers abscissas [b, b + 1) / m_bucketScale and holds the first record whose end reaches the
