@@ -1,7 +1,7 @@
 // Loading a large network (parse, object tree, post-load) against a floor: pugixml parsing the same file into
 // its own DOM. Each reports the time of one load; NetworkLoad also reports ratio_vs_pugixml, its time in
-// units of the floor's. The file is a synthetic city of at least 50 MB, written on first use to
-// $ORVIA_BENCH_NETWORK or to the temporary directory.
+// units of the floor's. The file is the synthetic city of network_generator.h (at least 50 MB), written on
+// first use to $ORVIA_BENCH_NETWORK or to the temporary directory.
 
 #include "network_generator.h"
 
@@ -20,8 +20,6 @@
 
 namespace {
 
-constexpr std::uintmax_t kMinimumBytes = 50u << 20;
-
 // CPU time of this thread.
 struct Clock {
     using time_point = double;
@@ -33,15 +31,7 @@ struct Clock {
 };
 
 const std::string& NetworkPath() {
-    static const std::string path = [] {
-        const char* given = std::getenv("ORVIA_BENCH_NETWORK");
-        const std::string p =
-            given ? given : (std::filesystem::temp_directory_path() / "orvia_bench_city.xml").string();
-        std::error_code error;
-        if (std::filesystem::file_size(p, error) < kMinimumBytes || error) OrviaBench::GenerateCityNetwork(p);
-        return p;
-    }();
-    return path;
+    return OrviaBench::BenchCityPath();
 }
 
 double FileBytes() {
