@@ -4,11 +4,11 @@
 #include <orvia/ruvex/schema.h>
 
 #include "pugi_dom.h"
+#include "replace_file.h"
 
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
+#include <utility>
 
 namespace Ruvex {
 
@@ -250,8 +250,12 @@ bool BuildDocument(Element* root, detail::PugiDocument& document, std::string& t
         for (const PreservedAttribute& a : kept->rootAttributes)
             rootNode.append_attribute(a.name.c_str()).set_value(a.value.c_str());
 
+    // The element sits at level 2, under the "Ruvex" root.
+    size_t& depth = detail::BuildDepth();
+    const size_t outer = std::exchange(depth, 1);
     auto* built = static_cast<detail::PugiNode*>(root->BuildXMLElement(&document));
     if (!built) {
+        depth = outer;
         document.ReportProblem(nullptr, "the element could not be written");
         return false;
     }
@@ -259,6 +263,12 @@ bool BuildDocument(Element* root, detail::PugiDocument& document, std::string& t
     if (kept) detail::MergePreservedNodes(document, rootNode, kept->rootNodes);
     if (kept) WriteDocumentNodes(doc, kept->epilog);
     document.ApplyDeferred();
+    depth = outer;
+    // Children that runtime classes append after the generic part are not counted while building; what is
+    // written must read back all the same.
+    if (!document.HasErrors() && detail::FindElementDeeperThan(doc, kMaxNestingDepth))
+        document.ReportProblem(
+            nullptr, "elements are nested deeper than " + std::to_string(kMaxNestingDepth) + " levels");
     if (document.HasErrors()) return false;
 
     struct Writer : pugi::xml_writer {
@@ -295,6 +305,13 @@ Element* Load(const char* pathOrText, bool fromMemory) {
         problems = document.problems();
         return nullptr;
     }
+    // Checked before any object exists: loading and destroying the tree then never recurse deeper.
+    if (pugi::xml_node deep = detail::FindElementDeeperThan(document.doc(), kMaxNestingDepth)) {
+        document.ReportAt(deep.offset_debug(),
+                          "elements are nested deeper than " + std::to_string(kMaxNestingDepth) + " levels");
+        problems = document.problems();
+        return nullptr;
+    }
     return LoadDocument(document, problems);
 }
 
@@ -324,29 +341,13 @@ bool Save(Element* root, const char* path) {
         problems = document.problems();
         return false;
     }
-    namespace fs = std::filesystem;
-    fs::path target(path);
-    fs::path temporary = target;
-    temporary += ".orvia-partial";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        out.close();
-        if (!out) {
-            std::error_code ignored;
-            fs::remove(temporary, ignored);
-            problems.push_back(Problem{path, 0, 0, "cannot write the file"});
-            return false;
-        }
-    }
-    std::error_code error;
-    fs::rename(temporary, target, error);
-    if (error) {
-        std::error_code ignored;
-        fs::remove(temporary, ignored);
-        problems.push_back(Problem{path, 0, 0, "cannot replace the file: " + error.message()});
+    std::string error;
+    std::string warning;
+    if (!detail::ReplaceFile(path, text, error, warning)) {
+        problems.push_back(Problem{path, 0, 0, error});
         return false;
     }
+    if (!warning.empty()) problems.push_back(Problem{path, 0, 0, warning, true});
     return true;
 }
 

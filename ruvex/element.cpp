@@ -5,6 +5,7 @@
 #include "pugi_dom.h"
 
 #include <typeinfo>
+#include <utility>
 
 namespace Ruvex {
 
@@ -37,6 +38,28 @@ PreservedNode CopyNode(IDOMElement* node, IDOMParser* parser, uint32_t anchor) {
     return kept;
 }
 
+// The element whose children are being loaded on this thread, with the single-child slots that a child of
+// this load has filled already.
+struct LoadFrame {
+    const Element* self;
+    uint64_t filled;
+};
+thread_local LoadFrame* t_loadFrame = nullptr;
+
+// The bit of a single-child slot in the load frame of `self`; 0 for lists, or outside a load of `self`.
+uint64_t SlotBit(const Element& self, const ChildField& field) {
+    const LoadFrame* frame = t_loadFrame;
+    if (field.kind != ChildKind::Single || !frame || frame->self != &self) return 0;
+    const auto index = static_cast<size_t>(&field - self.GetSchema().children.data());
+    return index < 64 ? uint64_t(1) << index : 0;
+}
+
+// True when a child of the current load of `self` already went into this single slot: a second one would
+// replace the first and lose it.
+bool SlotTaken(const Element& self, const ChildField& field) {
+    return (t_loadFrame && (t_loadFrame->filled & SlotBit(self, field)) != 0);
+}
+
 // Creates, loads and stores one child of a declared list. False when the object could not be made, did not
 // load, or is not of the list's type: the caller then keeps the child verbatim.
 bool LoadItem(Element& self, const ChildField& field, IDOMElement* child, IDOMParser* parser) {
@@ -44,7 +67,16 @@ bool LoadItem(Element& self, const ChildField& field, IDOMElement* child, IDOMPa
     tag.assign(child->GetTagName());
     CountedPtr<Element> object(CreateElement(tag));
     if (!object || !object->LoadFromXMLElement(child, parser)) return false;
-    return field.accept(self, object.Get());
+    if (!field.accept(self, object.Get())) return false;
+    if (const uint64_t bit = SlotBit(self, field)) t_loadFrame->filled |= bit;
+    return true;
+}
+
+// The next item field after `field` that takes `tag`, or null.
+const ChildField* NextItem(const Schema& schema, const ChildField* field, std::string_view tag) {
+    for (const ChildField* end = schema.children.data() + schema.children.size(); ++field != end;)
+        if (field->container.empty() && field->Accepts(tag)) return field;
+    return nullptr;
 }
 
 void AppendNodes(IDOMElement* element, IDOMParser* parser, const std::vector<PreservedNode>& nodes) {
@@ -147,6 +179,14 @@ void Element::LoadChildren(IDOMElement* element, IDOMParser* parser) {
         IDOMParser* parser;
         uint32_t taken;
     } context{this, parser, 0};
+    struct Frame {
+        LoadFrame frame;
+        LoadFrame* outer;
+        explicit Frame(const Element* self) : frame{self, 0}, outer(std::exchange(t_loadFrame, &frame)) {}
+        ~Frame() { t_loadFrame = outer; }
+        Frame(const Frame&) = delete;
+        Frame& operator=(const Frame&) = delete;
+    } frame(this);
     detail::ForEachNode(element, &context, [](void* opaque, IDOMElement* node) {
         auto& c = *static_cast<Context*>(opaque);
         NodeKind kind = node->GetNodeKind();
@@ -167,7 +207,13 @@ void Element::PreserveChild(IDOMElement* child, IDOMParser* parser, uint32_t anc
 bool Element::LoadChild(IDOMElement* child, IDOMParser* parser) {
     if (!child || !parser) return false;
     std::string_view tag = child->GetTagName();
-    if (const ChildField* field = m_schema->FindItem(tag)) return LoadItem(*this, *field, child, parser);
+    if (const ChildField* field = m_schema->FindItem(tag)) {
+        // A single slot filled earlier in this load passes the child on to the next slot that takes its tag;
+        // with none left, the child is kept as read.
+        while (field && SlotTaken(*this, *field))
+            field = NextItem(*m_schema, field, tag);
+        return field && LoadItem(*this, *field, child, parser);
+    }
     const ChildField* field = m_schema->FindContainer(tag);
     if (!field) return false;
 
@@ -207,6 +253,21 @@ IDOMElement* Element::BuildXMLElement(IDOMParser* parser) {
 IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
     if (!parser) return nullptr;
     IDOMElement* element = parser->CreateElement(GetTagName());
+    // A tree made in memory may nest without end (a file may not: loading refuses it); stop before the stack
+    // does, with an element of no content, and fail the save.
+    size_t& depth = detail::BuildDepth();
+    if (depth >= kMaxNestingDepth) {
+        parser->ReportProblem(nullptr, "<" + GetTagName() + "> is nested deeper than " +
+                                           std::to_string(kMaxNestingDepth) + " levels");
+        return element;
+    }
+    struct Level {
+        size_t& depth;
+        explicit Level(size_t& d) : depth(d) { ++depth; }
+        ~Level() { --depth; }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+    } level(depth);
     FormatBuffer buffer;
     for (const AttributeField& field : m_schema->attributes) {
         std::string_view text = field.format(*this, buffer, field);
@@ -244,6 +305,7 @@ IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
             for (const PreservedAttribute& a : kept->attributes)
                 container->SetRawAttribute(a.name, a.value);
         Context context{container, parser, false};
+        Level inContainer(depth);
         field.forEach(*this, &context, append);
         if (kept) AppendNodes(container, parser, kept->nodes);
         // An empty list leaves no trace unless the file had something of its own in the wrapper.

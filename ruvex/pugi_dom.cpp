@@ -344,15 +344,46 @@ void MergePreservedNodes(PugiDocument& document, pugi::xml_node node,
 
 void PugiDocument::ApplyDeferred() {
     // Building a preserved element may defer more: walk by index while the list grows.
+    size_t& depth = BuildDepth();
+    const size_t outer = depth;
     for (size_t i = 0; i < m_deferred.size(); ++i) {
-        auto [node, content] = m_deferred[i];
+        auto [node, content, level] = m_deferred[i];
+        depth = level;
         MergePreservedNodes(*this, node, content->nodes);
     }
+    depth = outer;
     m_deferred.clear();
     if (m_scratch) {
         m_doc.remove_child(m_scratch);
         m_scratch = pugi::xml_node();
     }
+}
+
+size_t& BuildDepth() {
+    thread_local size_t depth = 0;
+    return depth;
+}
+
+pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth) {
+    size_t depth = 1;
+    pugi::xml_node n = top.first_child();
+    while (n) {
+        if (n.type() == pugi::node_element) {
+            if (depth > maxDepth) return n;
+            if (pugi::xml_node child = n.first_child()) {
+                n = child;
+                ++depth;
+                continue;
+            }
+        }
+        while (!n.next_sibling()) {
+            n = n.parent();
+            if (n == top) return {};
+            --depth;
+        }
+        n = n.next_sibling();
+    }
+    return {};
 }
 
 void ForEachNode(IDOMElement* element, void* context, void (*visit)(void*, IDOMElement*)) {

@@ -16,6 +16,14 @@ namespace Ruvex::detail {
 
 class PugiDocument;
 
+// Nesting level of the element being built on this thread (the "Ruvex" root is level 1). It bounds the
+// recursion of saving a tree made in memory, which no bound on reading protects.
+size_t& BuildDepth();
+
+// The first element, in document order, nested deeper than `maxDepth` levels (the children of `top` being
+// level 1); empty when there is none. Walks without recursion.
+pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth);
+
 class PugiNode final : public IDOMElement {
 public:
     PugiNode(pugi::xml_node node, PugiDocument* document) : m_node(node), m_document(document) {}
@@ -89,7 +97,7 @@ public:
     // Writing: preserved content is put back once the whole tree is built, so that the children a runtime
     // class appends after the generic part count too.
     void Defer(pugi::xml_node node, const PreservedContent* content) {
-        m_deferred.emplace_back(node, content);
+        m_deferred.push_back(Deferred{node, content, BuildDepth()});
     }
     void ApplyDeferred();
 
@@ -109,7 +117,12 @@ private:
     bool m_latin1File = false;
     std::deque<PugiNode> m_wrappers;
     std::vector<Problem> m_problems;
-    std::vector<std::pair<pugi::xml_node, const PreservedContent*>> m_deferred;
+    struct Deferred {
+        pugi::xml_node node;
+        const PreservedContent* content;
+        size_t depth;  // nesting level of `node`
+    };
+    std::vector<Deferred> m_deferred;
 };
 
 // Walks the child nodes of `element` without allocating a wrapper per node when it is one of ours.

@@ -24,7 +24,7 @@ public:
     virtual uint64_t Release() {
         if (m_refCount <= 1) {
             m_refCount = 0;
-            delete this;
+            Destroy(this);
             return 0;
         }
         return --m_refCount;
@@ -34,6 +34,11 @@ public:
     uint64_t GetRefCount() const { return m_refCount; }
 
 private:
+    // Deletes `object`. Below a few hundred nested destructors it deletes at once; deeper, the deletion waits
+    // until the outermost destructor returns, so that a chain of any length is destroyed within a bounded
+    // stack.
+    static void Destroy(CountedObject* object);
+
     uint64_t m_refCount = 0;
 };
 

@@ -36,14 +36,23 @@ struct Problem {
 // "file:line:column: message", with "warning: " before the message of a warning.
 std::string ToString(const Problem& problem);
 
+// Deepest nesting of elements a document may have, the "Ruvex" root counting as level 1. Real files nest
+// about a dozen levels; the bound keeps loading, saving and destruction, which recurse once per level, far
+// within any thread's stack.
+inline constexpr size_t kMaxNestingDepth = 256;
+
 // Parses a document (a file path, or with fromMemory the NUL-terminated text itself) and builds its object
 // tree through the factory. Returns the element under the "Ruvex" root, or null when the text is not
-// well-formed, the root is not "Ruvex", or any attribute was malformed. The caller owns the result (count 0).
+// well-formed, the root is not "Ruvex", or elements nest deeper than kMaxNestingDepth. The caller owns the
+// result (count 0).
 Element* Load(const char* pathOrText, bool fromMemory);
-// Writes `root` as a document at `path`: to a temporary file first, renamed over the target only when
-// complete, so that a failed save leaves an existing file untouched.
+// Writes `root` as a document at `path`, following symbolic links to the file they name: to a temporary file
+// beside it first, synced and renamed over it only when complete, keeping its permission bits. False, with
+// the reason in GetLastProblems(), when the tree cannot be written (a value that is not finite, nesting
+// deeper than kMaxNestingDepth) or the file cannot be (no such directory, no permission, disk full, not a
+// regular file); the existing file is then left byte for byte as it was and no temporary file remains.
 bool Save(Element* root, const char* path);
-// The document text that Save would write.
+// The document text that Save would write; empty when Save would fail before writing.
 std::string SaveToString(Element* root);
 // Problems (errors and warnings) of the last Load or Save on this thread.
 const std::vector<Problem>& GetLastProblems();
