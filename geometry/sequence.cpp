@@ -2,6 +2,6 @@
 
 namespace Orvia {
 
-RUVEX_SCHEMA(Sequence, Ruvex::Element, "Sequence", ORVIA_SEQUENCE_TABLE)
+Sequence::~Sequence() = default;
 
 }  // namespace Orvia

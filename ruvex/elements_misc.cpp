@@ -12,6 +12,7 @@ RUVEX_SCHEMA(EntitiesGenerationElement, NamedElement, "EntitiesGeneration", RUVE
 RUVEX_SCHEMA(TrajectoryPartElement, NamedElement, "TrajectoryPart", RUVEX_TRAJECTORY_PART_TABLE)
 RUVEX_SCHEMA(TrajectoryPieceElement, Element, "TrajectoryElement", RUVEX_TRAJECTORY_PIECE_TABLE)
 RUVEX_SCHEMA(TrajectoryElement, NamedElement, "Trajectory", RUVEX_TRAJECTORY_TABLE)
+RUVEX_SCHEMA(SubPartsElement, Element, "SubParts", RUVEX_SUB_PARTS_TABLE)
 RUVEX_SCHEMA(LinearElement, Element, "Linear", RUVEX_LINEAR_TABLE)
 RUVEX_SCHEMA(ScaleElement, Element, "Scale", RUVEX_SCALE_TABLE)
 RUVEX_SCHEMA(CompositeObjectElement, NamedElement, "CompositeObject", RUVEX_COMPOSITE_OBJECT_TABLE)

@@ -38,6 +38,9 @@ constexpr char kExternalSurface[] = "ExternalSurface";
 constexpr char kExternalTerrain[] = "ExternalTerrain";
 constexpr char kExternalPhysicSurface[] = "ExternalPhysicSurface";
 constexpr char kProxyFile[] = "ProxyFile";
+constexpr char kSequence[] = "Sequence";
+constexpr char kSequenceY[] = "SequenceY";
+constexpr char kSequenceZ[] = "SequenceZ";
 constexpr char kTrackClippedData[] = "TrackClippedData";
 constexpr char kClippedData[] = "ClippedData";
 constexpr char kPoint2x2D[] = "Point2x2D";
@@ -112,6 +115,9 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<TrackElement>("Track"),
         Plain<TrackClipElement>("TrackClip"),
         Plain<TrackScopeElement>("TrackScope"),
+        Tagged<SequenceElement, kSequence>(),
+        Tagged<SequenceElement, kSequenceY>(),
+        Tagged<SequenceElement, kSequenceZ>(),
         Tagged<TrackClippedDataElement, kTrackClippedData>(),
         Tagged<TrackClippedDataElement, kClippedData>(),
         Plain<MarkClippedDataElement>("MarkClippedData"),
@@ -154,6 +160,7 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<TrajectoryPartElement>("TrajectoryPart"),
         Plain<TrajectoryPieceElement>("TrajectoryElement"),
         Plain<TrajectoryElement>("Trajectory"),
+        Plain<SubPartsElement>("SubParts"),
         Plain<LinearElement>("Linear"),
         Plain<ScaleElement>("Scale"),
         Plain<CompositeObjectElement>("CompositeObject"),

@@ -4,6 +4,6 @@ namespace Orvia {
 
 LinearObject::~LinearObject() = default;
 
-RUVEX_SCHEMA(SubPart, Ruvex::Element, "SubParts", ORVIA_SUB_PART_TABLE)
+SubPart::~SubPart() = default;
 
 }  // namespace Orvia

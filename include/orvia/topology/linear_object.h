@@ -13,12 +13,10 @@ public:
     ~LinearObject() override;
 };
 
-// The element records no field of its own: everything a file puts in it is kept as it stands.
-#define ORVIA_SUB_PART_TABLE(F)
-
-// Read from and saved as "SubParts".
-class SubPart : public Ruvex::Element {
-    RUVEX_FIELDS(SubPart, Ruvex::Element, ORVIA_SUB_PART_TABLE)
+// Read from and saved as "SubParts"; everything a file puts in it is kept as it stands.
+class SubPart : public Ruvex::SubPartsElement {
+public:
+    ~SubPart() override;
 };
 
 }  // namespace Orvia

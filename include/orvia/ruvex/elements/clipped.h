@@ -46,6 +46,18 @@ class TrackScopeElement : public Element {
     RUVEX_FIELDS(TrackScopeElement, Element, RUVEX_TRACK_SCOPE_TABLE)
 };
 
+// A regular sampling: a step count (at least 1 in practice) and the length of one step in metres. Clipped
+// data repeat their object along X, Y and Z with one each, saved under the tag of its axis ("Sequence" for X,
+// "SequenceY", "SequenceZ").
+#define RUVEX_SEQUENCE_TABLE(F)                   \
+    F(ATTR, uint32_t, StepCount, "stepCount", 1u) \
+    F(ATTR, double, StepLength, "stepLength", 1.0)
+
+class SequenceElement : public Element {
+    RUVEX_FIELDS(SequenceElement, Element, RUVEX_SEQUENCE_TABLE)
+    RUVEX_TAGGED(SequenceElement)
+};
+
 // What every clipped object has: its name and the object it carries (one kind at a time).
 #define RUVEX_CLIPPED_DATA_TABLE(F)                                      \
     F(ATTR, bool, Static, "isStatic", false)                             \
@@ -53,6 +65,9 @@ class TrackScopeElement : public Element {
     F(CHILD, RoadSignElement, RoadSign, "RoadSign")                      \
     F(CHILD, ObstacleElement, Obstacle, "Obstacle")                      \
     F(CHILD, SurfaceModifierElement, SurfaceModifier, "SurfaceModifier") \
+    F(CHILD, SequenceElement, SequenceX, "Sequence")                     \
+    F(CHILD, SequenceElement, SequenceY, "SequenceY")                    \
+    F(CHILD, SequenceElement, SequenceZ, "SequenceZ")                    \
     F(CHILD, LinearElement, LinearObject, "Linear")
 
 class ClippedDataElement : public NamedElement {

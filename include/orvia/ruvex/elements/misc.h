@@ -118,13 +118,22 @@ class TrajectoryElement : public NamedElement {
     RUVEX_FIELDS(TrajectoryElement, NamedElement, RUVEX_TRAJECTORY_TABLE)
 };
 
+// The sub-parts of a linear object. The record declares no field: whatever a file puts in it is kept as it
+// stands.
+#define RUVEX_SUB_PARTS_TABLE(F)
+
+class SubPartsElement : public Element {
+    RUVEX_FIELDS(SubPartsElement, Element, RUVEX_SUB_PARTS_TABLE)
+};
+
 // An object laid along a track by its own axis; the control points are the polygon the axis was made from
 // (axis-owner coordinates, metres).
-#define RUVEX_LINEAR_TABLE(F)                                     \
-    F(CHILD, XYCurveElement, XYCurve, "XYCurve")                  \
-    F(CHILD, CartesianCurveElement, SZCurve, "SZCurve")           \
-    F(CHILD, CartesianCurveElement, BankingCurve, "BankingCurve") \
-    F(ATTR, std::vector<::vek::Vector2>, ControlPoints, "controlPoints", {})
+#define RUVEX_LINEAR_TABLE(F)                                                \
+    F(CHILD, XYCurveElement, XYCurve, "XYCurve")                             \
+    F(CHILD, CartesianCurveElement, SZCurve, "SZCurve")                      \
+    F(CHILD, CartesianCurveElement, BankingCurve, "BankingCurve")            \
+    F(ATTR, std::vector<::vek::Vector2>, ControlPoints, "controlPoints", {}) \
+    F(CHILD, SubPartsElement, SubParts, "SubParts")
 
 class LinearElement : public Element {
     RUVEX_FIELDS(LinearElement, Element, RUVEX_LINEAR_TABLE)
