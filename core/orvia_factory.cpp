@@ -9,11 +9,9 @@
 #include <orvia/core/reference.h>
 #include <orvia/core/surface.h>
 #include <orvia/core/user_data.h>
-#include <orvia/geometry/cartesian_curve.h>
 #include <orvia/geometry/circle_arc.h>
 #include <orvia/geometry/clotho_arc.h>
 #include <orvia/geometry/clothoid_spline.h>
-#include <orvia/geometry/curve2d.h>
 #include <orvia/geometry/polyline.h>
 #include <orvia/geometry/polynomial_function.h>
 #include <orvia/geometry/profile.h>
@@ -87,7 +85,6 @@ constexpr char kQorVersion[] = "QorVersion";
 constexpr char kTrajectoryCurve[] = "TrajectoryCurve";
 constexpr char kSZCurve[] = "SZCurve";
 constexpr char kBankingCurve[] = "BankingCurve";
-constexpr char kSZCurvatureCurve[] = "SZCurvatureCurve";
 constexpr char kTunnel[] = "Tunnel";
 constexpr char kBridge[] = "Bridge";
 constexpr char kGantry[] = "Gantry";
@@ -193,12 +190,11 @@ const std::vector<Entry>& Table() {
         Make<QorOldData::LegacySZCurveElement>("LegacySZCurve"),
         Tagged<QorOldData::VersionElement, kVersion>(),
         Tagged<QorOldData::VersionElement, kQorVersion>(),
-        // The axis curves are the runtime curves, so that a loaded axis answers queries.
-        Tagged<CartesianCurve, kTrajectoryCurve>(),
-        Tagged<CartesianCurve, kSZCurve>(),
-        Tagged<CartesianCurve, kBankingCurve>(),
-        Tagged<CartesianCurve, kSZCurvatureCurve>(),
-        Make<Curve2D>("XYCurve"),
+        // Axis curves are plain records here: the classes that own an axis build their runtime curves.
+        Tagged<Ruvex::CartesianCurveElement, kTrajectoryCurve>(),
+        Tagged<Ruvex::CartesianCurveElement, kSZCurve>(),
+        Tagged<Ruvex::CartesianCurveElement, kBankingCurve>(),
+        Make<Ruvex::XYCurveElement>("XYCurve"),
         Make<::PolynomialFunction>("Polynomial"),
         Make<::Segment>("Segment"),
         Make<::CircleArc>("CircleArc"),

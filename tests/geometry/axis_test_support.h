@@ -3,6 +3,7 @@
 #pragma once
 
 #include <orvia/core/library.h>
+#include <orvia/core/orvia_factory.h>
 #include <orvia/geometry/axis.h>
 #include <orvia/geometry/cartesian_curve.h>
 #include <orvia/geometry/circle_arc.h>
@@ -64,10 +65,21 @@ private:
 };
 
 // Runs with the library's factory installed (as a network load does), then puts the previous factory back.
+// The library's factory, except that the axis curve tags make runtime curves (as the owner of an axis does
+// when it reads them), so that curves can be loaded on their own.
 class ScopedOrviaFactory {
 public:
     ScopedOrviaFactory() : m_previous(Ruvex::GetFactory()) {
-        Ruvex::SetFactory(nullptr);
+        class CurveFactory : public Orvia::OrviaFactory {
+        public:
+            Ruvex::Element* Create(const std::string& tag) override {
+                if (tag == "XYCurve") return new Orvia::Curve2D;
+                if (tag == "SZCurve" || tag == "BankingCurve" || tag == "TrajectoryCurve")
+                    return new Orvia::CartesianCurve(tag);
+                return Orvia::OrviaFactory::Create(tag);
+            }
+        };
+        Ruvex::SetFactory(new CurveFactory);
         Orvia::Init(Ruvex::Encoding::GetMode());
     }
     ~ScopedOrviaFactory() { Ruvex::SetFactory(m_previous.Get()); }
