@@ -1,0 +1,201 @@
+#pragma once
+
+// The DOM that documents are saved through. Nodes, attributes and their text live in one arena owned by the
+// document (no heap block per node or per value), element names from the schemas are not copied, and the
+// serialiser writes the text straight into a string: the same bytes as pugixml writes for the same tree
+// with a two-space indent (escapes, empty-element tags, text kept inline, UTF-8 or Latin-1).
+
+#include <orvia/ruvex/element.h>
+#include <orvia/ruvex/factory.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Ruvex::detail {
+
+// Bump allocation in blocks; everything is released with the arena, nothing is destroyed one by one.
+class Arena {
+public:
+    Arena() = default;
+    Arena(const Arena&) = delete;
+    Arena& operator=(const Arena&) = delete;
+
+    void* Allocate(size_t size, size_t alignment) {
+        auto at = (reinterpret_cast<uintptr_t>(m_next) + alignment - 1) & ~(uintptr_t(alignment) - 1);
+        if (m_next && at + size <= reinterpret_cast<uintptr_t>(m_end)) {
+            m_next = reinterpret_cast<char*>(at + size);
+            return reinterpret_cast<void*>(at);
+        }
+        return Grow(size, alignment);
+    }
+    std::string_view Copy(std::string_view text) {
+        if (text.empty()) return {};
+        auto* to = static_cast<char*>(Allocate(text.size(), 1));
+        std::char_traits<char>::copy(to, text.data(), text.size());
+        return {to, text.size()};
+    }
+
+private:
+    void* Grow(size_t size, size_t alignment);
+
+    std::vector<std::unique_ptr<char[]>> m_blocks;
+    char* m_next = nullptr;
+    char* m_end = nullptr;
+    size_t m_blockSize = 64 * 1024;
+};
+
+class WriteDocument;
+
+class WriteNode final : public IDOMElement {
+public:
+    enum class Kind : uint8_t {
+        Document,
+        Declaration,
+        Element,
+        Text,
+        CData,
+        Comment,
+        ProcessingInstruction,
+        Doctype
+    };
+
+    struct Attribute {
+        std::string_view name;
+        std::string_view value;
+        Attribute* next;
+    };
+
+    WriteNode(WriteDocument* document, Kind kind, std::string_view name)
+        : m_document(document), m_name(name), m_kind(kind) {}
+
+    std::string_view GetTagName() const override { return m_name; }
+    bool HasAttribute(std::string_view name) const override { return Find(name) != nullptr; }
+    AttributeStatus ReadAttribute(std::string_view name, std::string& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, bool& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, int32_t& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, uint32_t& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, int64_t& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, uint64_t& value) const override;
+    AttributeStatus ReadAttribute(std::string_view name, double& value) const override;
+    void VisitAttributes(void* context,
+                         void (*visit)(void*, std::string_view, std::string_view)) const override;
+
+    using IDOMElement::SetAttribute;
+    void SetAttribute(std::string_view name, std::string_view value) override;
+    void SetAttribute(std::string_view name, bool value) override;
+    void SetAttribute(std::string_view name, int32_t value) override;
+    void SetAttribute(std::string_view name, uint32_t value) override;
+    void SetAttribute(std::string_view name, int64_t value) override;
+    void SetAttribute(std::string_view name, uint64_t value) override;
+    void SetAttribute(std::string_view name, double value) override;
+    void SetRawAttribute(std::string_view name, std::string_view value) override;
+
+    IDOMElement* GetFirstChild() const override;
+    IDOMElement* GetNextSibling() const override;
+    size_t GetChildCount() const override;
+    IDOMElement* GetFirstNode() const override { return m_firstChild; }
+    IDOMElement* GetNextNode() const override { return m_next; }
+    NodeKind GetNodeKind() const override;
+    std::string_view GetValue() const override;
+
+    void AppendChild(IDOMElement* child) override;
+    void AppendNode(NodeKind kind, std::string_view name, std::string_view value) override;
+
+    size_t GetLine() const override { return 0; }
+    size_t GetColumn() const override { return 0; }
+
+    // For the layer itself. An attribute whose name is known to be new on this element and to outlive the
+    // document (a schema's), with its value copied.
+    void AppendNewAttribute(std::string_view staticName, std::string_view value);
+    // Links `child` (a node of this document, not in any tree) before `before` (a child of this node), or at
+    // the end when `before` is null.
+    void Insert(WriteNode* child, WriteNode* before);
+    void SetValue(std::string_view value);
+
+    Kind kind() const { return m_kind; }
+    std::string_view name() const { return m_name; }
+    std::string_view value() const { return m_value; }
+    const Attribute* firstAttribute() const { return m_firstAttribute; }
+    WriteNode* parent() const { return m_parent; }
+    WriteNode* firstChild() const { return m_firstChild; }
+    WriteNode* next() const { return m_next; }
+    WriteDocument* document() const { return m_document; }
+
+private:
+    template <class T>
+    AttributeStatus ReadTyped(std::string_view name, T& value) const;
+    Attribute* Find(std::string_view name) const;
+    void Unlink();
+
+    WriteDocument* m_document;
+    std::string_view m_name;
+    std::string_view m_value;
+    Attribute* m_firstAttribute = nullptr;
+    Attribute* m_lastAttribute = nullptr;
+    WriteNode* m_parent = nullptr;
+    WriteNode* m_firstChild = nullptr;
+    WriteNode* m_lastChild = nullptr;
+    WriteNode* m_previous = nullptr;
+    WriteNode* m_next = nullptr;
+    Kind m_kind;
+};
+
+class WriteDocument final : public IDOMParser {
+public:
+    explicit WriteDocument(std::string fileName);
+
+    IDOMElement* CreateElement(std::string_view tag) override {
+        return NewNode(WriteNode::Kind::Element, tag);
+    }
+    uint32_t GetVersion() const override { return kCurrentVersion; }
+    void ReportProblem(const IDOMElement* where, std::string message) override;
+    void ReportWarning(const IDOMElement* where, std::string message) override;
+    bool HasErrors() const;
+
+    // A node of `kind`, in no tree yet; `name` is copied.
+    WriteNode* NewNode(WriteNode::Kind kind, std::string_view name);
+    // A node for a preserved one (text, comment, processing instruction or doctype).
+    WriteNode* NewNode(NodeKind kind, std::string_view name, std::string_view value);
+    WriteNode& root() { return m_root; }
+    Arena& arena() { return m_arena; }
+
+    // Preserved content is put back once the whole tree is built, so that the children a runtime class
+    // appends after the generic part count too. `depth` is the nesting level of `node`.
+    void Defer(WriteNode* node, const PreservedContent* content, size_t depth) {
+        m_deferred.push_back(Deferred{node, content, depth});
+    }
+    void ApplyDeferred();
+
+    // The document text; `latin1` converts it as pugixml's Latin-1 output does (characters above U+00FF
+    // become '?', malformed sequences are dropped).
+    void Serialize(std::string& text, bool latin1) const;
+
+    const std::string& fileName() const { return m_fileName; }
+    std::vector<Problem>& problems() { return m_problems; }
+
+private:
+    struct Deferred {
+        WriteNode* node;
+        const PreservedContent* content;
+        size_t depth;
+    };
+
+    std::string m_fileName;
+    Arena m_arena;
+    WriteNode m_root;
+    std::vector<Problem> m_problems;
+    std::vector<Deferred> m_deferred;
+};
+
+// Inserts preserved nodes among the element children of `node` at their anchors.
+void MergePreservedNodes(WriteDocument& document, WriteNode* node, const std::vector<PreservedNode>& nodes);
+
+// The first element, in document order, nested deeper than `maxDepth` levels (the children of `top` being
+// level 1); null when there is none. Walks without recursion.
+const WriteNode* FindElementDeeperThan(const WriteNode& top, size_t maxDepth);
+
+}  // namespace Ruvex::detail

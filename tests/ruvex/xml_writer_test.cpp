@@ -1,0 +1,216 @@
+#include "ruvex/xml_writer.h"
+
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+using Ruvex::detail::WriteDocument;
+using Ruvex::detail::WriteNode;
+
+namespace {
+
+// The same tree in the writer's DOM.
+void Mirror(pugi::xml_node from, WriteNode* to, WriteDocument& document) {
+    for (pugi::xml_node n = from.first_child(); n; n = n.next_sibling()) {
+        WriteNode* copy = nullptr;
+        switch (n.type()) {
+            case pugi::node_element:
+            case pugi::node_declaration:
+                copy = document.NewNode(
+                    n.type() == pugi::node_element ? WriteNode::Kind::Element : WriteNode::Kind::Declaration,
+                    n.name());
+                for (pugi::xml_attribute a = n.first_attribute(); a; a = a.next_attribute())
+                    copy->SetRawAttribute(a.name(), a.value());
+                Mirror(n, copy, document);
+                break;
+            case pugi::node_pcdata:
+                copy = document.NewNode(Ruvex::NodeKind::Text, {}, n.value());
+                break;
+            case pugi::node_cdata:
+                copy = document.NewNode(Ruvex::NodeKind::CData, {}, n.value());
+                break;
+            case pugi::node_comment:
+                copy = document.NewNode(Ruvex::NodeKind::Comment, {}, n.value());
+                break;
+            case pugi::node_pi:
+                copy = document.NewNode(Ruvex::NodeKind::ProcessingInstruction, n.name(), n.value());
+                break;
+            case pugi::node_doctype:
+                copy = document.NewNode(Ruvex::NodeKind::Other, {}, n.value());
+                break;
+            default:
+                continue;
+        }
+        to->Insert(copy, nullptr);
+    }
+}
+
+std::string PugiText(const pugi::xml_document& document, bool latin1) {
+    struct Writer : pugi::xml_writer {
+        std::string text;
+        void write(const void* data, size_t size) override {
+            text.append(static_cast<const char*>(data), size);
+        }
+    } writer;
+    document.save(writer, "  ", pugi::format_default, latin1 ? pugi::encoding_latin1 : pugi::encoding_utf8);
+    return writer.text;
+}
+
+void ExpectSameText(const pugi::xml_document& reference) {
+    for (bool latin1 : {false, true}) {
+        WriteDocument document("test");
+        Mirror(reference, &document.root(), document);
+        std::string text;
+        document.Serialize(text, latin1);
+        ASSERT_EQ(text, PugiText(reference, latin1)) << (latin1 ? "Latin-1" : "UTF-8");
+    }
+}
+
+struct Random {
+    uint64_t state;
+    uint32_t Next() {
+        state = state * 6364136223846793005ull + 1442695040888963407ull;
+        return static_cast<uint32_t>(state >> 33);
+    }
+    bool Chance(uint32_t percent) { return Next() % 100 < percent; }
+    // Text with the characters that need care: markup, quotes, control characters, the sequences that
+    // comments, sections and instructions cannot hold, and UTF-8 of one to four bytes (some malformed).
+    std::string Text(size_t maxLength) {
+        static const char* const kPieces[] = {"a",
+                                              "Zz",
+                                              " ",
+                                              "&",
+                                              "<",
+                                              ">",
+                                              "\"",
+                                              "'",
+                                              "\t",
+                                              "\n",
+                                              "\r",
+                                              "\x01",
+                                              "\x1f",
+                                              "-",
+                                              "--",
+                                              "?>",
+                                              "]]>",
+                                              "]",
+                                              "?",
+                                              "caf\xc3\xa9",
+                                              "\xe2\x82\xac",
+                                              "\xf0\x9f\x98\x80",
+                                              "\xff",
+                                              "\xc3",
+                                              "1.5"};
+        std::string text;
+        const size_t length = Next() % (maxLength + 1);
+        for (size_t i = 0; i < length; ++i)
+            text += kPieces[Next() % (sizeof kPieces / sizeof kPieces[0])];
+        return text;
+    }
+};
+
+void Fill(pugi::xml_node node, Random& random, int depth) {
+    const int children = static_cast<int>(random.Next() % 5);
+    for (int i = 0; i < children; ++i) {
+        const uint32_t kind = random.Next() % 10;
+        if (kind < 5 && depth < 5) {
+            pugi::xml_node child = node.append_child(random.Chance(50) ? "Item" : "Other");
+            const int attributes = static_cast<int>(random.Next() % 4);
+            for (int a = 0; a < attributes; ++a)
+                child.append_attribute(("a" + std::to_string(a)).c_str()).set_value(random.Text(4).c_str());
+            Fill(child, random, depth + 1);
+        } else if (kind < 7) {
+            node.append_child(pugi::node_pcdata).set_value(random.Text(4).c_str());
+        } else if (kind == 7) {
+            node.append_child(pugi::node_cdata).set_value(random.Text(3).c_str());
+        } else if (kind == 8) {
+            node.append_child(pugi::node_comment).set_value(random.Text(3).c_str());
+        } else {
+            pugi::xml_node pi = node.append_child(pugi::node_pi);
+            pi.set_name("tool");
+            pi.set_value(random.Text(3).c_str());
+        }
+    }
+}
+
+}  // namespace
+
+TEST(WriteDocument, WritesWhatPugixmlWrites) {
+    pugi::xml_document reference;
+    pugi::xml_node declaration = reference.append_child(pugi::node_declaration);
+    declaration.set_name("xml");
+    declaration.append_attribute("version").set_value("1.0");
+    declaration.append_attribute("encoding").set_value("UTF-8");
+    reference.append_child(pugi::node_doctype).set_value("Ruvex x");
+    reference.append_child(pugi::node_doctype);
+    reference.append_child(pugi::node_comment).set_value("made -- by hand-");
+    pugi::xml_node root = reference.append_child("Ruvex");
+    root.append_attribute("a").set_value("x>y<z&w\"q'r\tt\nn\rr\x01 end");
+    root.append_child("Empty");
+    root.append_child("Text").append_child(pugi::node_pcdata).set_value("a > b & c \t\n\x02");
+    pugi::xml_node mixed = root.append_child("Mixed");
+    mixed.append_child(pugi::node_pcdata).set_value("before");
+    mixed.append_child("Inner").append_attribute("k").set_value("v");
+    mixed.append_child(pugi::node_pcdata).set_value("after");
+    mixed.append_child("Last");
+    root.append_child("EmptyText").append_child(pugi::node_pcdata);
+    root.append_child(pugi::node_cdata).set_value("x ]]> y ]]]>");
+    root.append_child(pugi::node_cdata);
+    pugi::xml_node pi = root.append_child(pugi::node_pi);
+    pi.set_name("tool");
+    pi.set_value("a ?> b");
+    root.append_child(pugi::node_pi).set_name("bare");
+    root.append_child(pugi::node_comment);
+    root.append_child("Deep").append_child("Deeper").append_child("Deepest").append_child(pugi::node_comment);
+    reference.append_child(pugi::node_comment).set_value("after the root");
+    ExpectSameText(reference);
+
+    // Random trees of every kind of node and awkward text, as many as a test can afford.
+    Random random{42};
+    for (int round = 0; round < 300; ++round) {
+        pugi::xml_document document;
+        pugi::xml_node head = document.append_child(pugi::node_declaration);
+        head.set_name("xml");
+        head.append_attribute("version").set_value("1.0");
+        if (random.Chance(30)) document.append_child(pugi::node_comment).set_value(random.Text(3).c_str());
+        Fill(document.append_child("Ruvex"), random, 0);
+        if (random.Chance(30)) document.append_child(pugi::node_pcdata).set_value(random.Text(2).c_str());
+        ExpectSameText(document);
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(WriteDocument, EditsLikeTheDomInterface) {
+    WriteDocument document("test");
+    Ruvex::IDOMElement* parent = document.CreateElement("P");
+    Ruvex::IDOMElement* child = document.CreateElement("C");
+    parent->SetAttribute("n", int32_t{3});
+    parent->SetAttribute("x", 0.5);
+    parent->SetAttribute("n", "replaced");  // same name: replaced in place
+    child->SetAttribute("flag", true);
+    parent->AppendChild(child);
+    child->AppendChild(parent);  // a node never goes under its own descendant
+    parent->AppendNode(Ruvex::NodeKind::Comment, {}, "note");
+    document.root().Insert(static_cast<WriteNode*>(parent), nullptr);
+
+    std::string value;
+    EXPECT_EQ(parent->ReadAttribute("n", value), Ruvex::AttributeStatus::Ok);
+    EXPECT_EQ(value, "replaced");
+    double x = 0;
+    EXPECT_TRUE(parent->GetAttribute("x", x));
+    EXPECT_EQ(x, 0.5);
+    EXPECT_EQ(parent->ReadAttribute("missing", x), Ruvex::AttributeStatus::Absent);
+    EXPECT_EQ(parent->GetChildCount(), 1u);
+    EXPECT_EQ(parent->GetFirstChild(), child);
+    EXPECT_EQ(child->GetNextSibling(), nullptr);
+    std::string text;
+    document.Serialize(text, false);
+    EXPECT_EQ(text, "<P n=\"replaced\" x=\"0.5\">\n  <C flag=\"true\" />\n  <!--note-->\n</P>\n");
+
+    // Not finite: written all the same, and reported.
+    child->SetAttribute("bad", std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(document.HasErrors());
+}
