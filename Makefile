@@ -3,14 +3,19 @@ JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 PACKAGES := build-essential cmake pkg-config libpugixml-dev libgdal-dev libgtest-dev libgmock-dev \
             libbenchmark-dev libcli11-dev clang-format
+# Only the fuzz smoke run needs them.
+FUZZ_PACKAGES := clang libclang-rt-14-dev
+FUZZ_SECONDS ?= 60
+FUZZ_BUILD := build/fuzz
 EXAMPLE ?= examples/city_centre.xml
 ORVIA := build/dev/tools/orvia/orvia
 
-.PHONY: deps configure build run test test-asan bench docs format install-test clean
+.PHONY: deps fuzz-deps configure build run test test-asan bench docs format install-test fuzz-smoke clean
 
-deps:
+# Installs those of the given Debian packages that are missing; does nothing when all are there.
+define install_packages
 	@missing=""; \
-	for p in $(PACKAGES); do \
+	for p in $(1); do \
 	  dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q "ok installed" || missing="$$missing $$p"; \
 	done; \
 	if [ -n "$$missing" ]; then \
@@ -18,6 +23,13 @@ deps:
 	  $(SUDO) env DEBIAN_FRONTEND=noninteractive apt-get update -q && \
 	  $(SUDO) env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $$missing; \
 	fi
+endef
+
+deps:
+	$(call install_packages,$(PACKAGES))
+
+fuzz-deps:
+	$(call install_packages,$(FUZZ_PACKAGES))
 
 build: deps
 	cmake --preset dev
@@ -45,6 +57,20 @@ docs: build
 
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
+
+# The load fuzzer (clang, libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer) for FUZZ_SECONDS on a copy
+# of the seed corpora. A crash or a round trip that does not settle fails the target; the input that did it is
+# left in $(FUZZ_BUILD)/ as crash-*.
+fuzz-smoke: deps fuzz-deps
+	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DORVIA_FUZZ=ON \
+	  -DORVIA_BUILD_TESTS=OFF -DORVIA_BUILD_TOOLS=OFF
+	cmake --build $(FUZZ_BUILD) --target orvia_load_fuzz -j $(JOBS)
+	rm -rf $(FUZZ_BUILD)/corpus && mkdir -p $(FUZZ_BUILD)/corpus
+	find fuzz/corpus tests/data -type f -exec cp {} $(FUZZ_BUILD)/corpus/ \;
+	./fuzz/dictionary.sh docs/format.md > $(FUZZ_BUILD)/ruvex.dict
+	$(FUZZ_BUILD)/fuzz/orvia_load_fuzz $(FUZZ_BUILD)/corpus -dict=$(FUZZ_BUILD)/ruvex.dict \
+	  -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+	  -artifact_prefix=$(FUZZ_BUILD)/
 
 clean:
 	rm -rf build
