@@ -1,6 +1,6 @@
 #include <orvia/ruvex/counted.h>
 
-#include <vector>
+#include <cstdint>
 
 namespace Ruvex {
 
@@ -12,22 +12,25 @@ namespace {
 constexpr size_t kMaxNestedDestructions = 256;
 
 thread_local size_t t_nested = 0;
-thread_local std::vector<CountedObject*> t_deferred;
+// Objects waiting for deletion, linked through their count (0 and unused once released): deferring allocates
+// nothing, so it cannot fail inside a destructor.
+thread_local CountedObject* t_deferred = nullptr;
 
 }  // namespace
 
 void CountedObject::Destroy(CountedObject* object) {
     if (t_nested >= kMaxNestedDestructions) {
-        t_deferred.push_back(object);
+        object->m_refCount = reinterpret_cast<uintptr_t>(t_deferred);
+        t_deferred = object;
         return;
     }
     ++t_nested;
     delete object;
     // The outermost destruction finishes what deeper ones deferred; those may defer more in turn.
     if (t_nested == 1) {
-        while (!t_deferred.empty()) {
-            CountedObject* next = t_deferred.back();
-            t_deferred.pop_back();
+        while (CountedObject* next = t_deferred) {
+            t_deferred = reinterpret_cast<CountedObject*>(static_cast<uintptr_t>(next->m_refCount));
+            next->m_refCount = 0;
             delete next;
         }
     }
