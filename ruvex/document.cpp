@@ -5,6 +5,7 @@
 
 #include "pugi_dom.h"
 #include "replace_file.h"
+#include "xml_writer.h"
 
 #include <cstdio>
 #include <cstring>
@@ -110,25 +111,13 @@ PreservedNode KeepDocumentNode(pugi::xml_node node, detail::PugiDocument& docume
     return kept;
 }
 
-void WriteDocumentNodes(pugi::xml_node parent, const std::vector<PreservedNode>& nodes) {
+void WriteDocumentNodes(detail::WriteDocument& document, const std::vector<PreservedNode>& nodes) {
     for (const PreservedNode& p : nodes) {
-        pugi::xml_node_type type = pugi::node_comment;
-        switch (p.kind) {
-            case NodeKind::ProcessingInstruction:
-                type = pugi::node_pi;
-                break;
-            case NodeKind::Other:
-                type = pugi::node_doctype;
-                break;
-            case NodeKind::Comment:
-                type = pugi::node_comment;
-                break;
-            default:
-                continue;  // no text or element may sit outside the root
-        }
-        pugi::xml_node n = parent.append_child(type);
-        if (type == pugi::node_pi) n.set_name(p.name.c_str());
-        n.set_value(p.value.c_str());
+        // No text or element may sit outside the root; a doctype is kept with kind Other.
+        if (p.kind != NodeKind::ProcessingInstruction && p.kind != NodeKind::Other &&
+            p.kind != NodeKind::Comment)
+            continue;
+        document.root().Insert(document.NewNode(p.kind, p.name, p.value), nullptr);
     }
 }
 
@@ -225,62 +214,52 @@ Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& prob
     return object;
 }
 
-bool BuildDocument(Element* root, detail::PugiDocument& document, std::string& text) {
+bool BuildDocument(Element* root, detail::WriteDocument& document, std::string& text) {
+    using detail::WriteNode;
     const PreservedContent* preserved = root->GetPreserved();
     const PreservedContent::Document* kept = preserved ? preserved->document.get() : nullptr;
-    pugi::xml_document& doc = document.doc();
 
-    pugi::xml_node declaration = doc.append_child(pugi::node_declaration);
-    declaration.set_name("xml");
+    WriteNode* declaration = document.NewNode(WriteNode::Kind::Declaration, "xml");
+    document.root().Insert(declaration, nullptr);
     if (kept && kept->hasDeclaration) {
         for (const PreservedAttribute& a : kept->declaration)
-            declaration.append_attribute(a.name.c_str()).set_value(a.value.c_str());
+            declaration->AppendAttribute(a.name, a.value);
     } else {
-        declaration.append_attribute("version").set_value("1.0");
-        declaration.append_attribute("encoding").set_value("UTF-8");
+        declaration->AppendNewAttribute("version", "1.0");
+        declaration->AppendNewAttribute("encoding", "UTF-8");
     }
-    if (kept) WriteDocumentNodes(doc, kept->prolog);
+    if (kept) WriteDocumentNodes(document, kept->prolog);
 
-    pugi::xml_node rootNode = doc.append_child(kRootTag.c_str());
-    rootNode.append_attribute(kVersionAttribute.c_str())
-        .set_value(
-            (std::to_string(kCurrentVersionMajor) + "." + std::to_string(kCurrentVersionMinor)).c_str());
-    rootNode.append_attribute(kRevisionAttribute.c_str()).set_value(kCurrentVersionRevision);
+    WriteNode* rootNode = document.NewNode(WriteNode::Kind::Element, kRootTag);
+    document.root().Insert(rootNode, nullptr);
+    rootNode->AppendNewAttribute(
+        kVersionAttribute, std::to_string(kCurrentVersionMajor) + "." + std::to_string(kCurrentVersionMinor));
+    rootNode->AppendNewAttribute(kRevisionAttribute, std::to_string(kCurrentVersionRevision));
     if (kept)
         for (const PreservedAttribute& a : kept->rootAttributes)
-            rootNode.append_attribute(a.name.c_str()).set_value(a.value.c_str());
+            rootNode->AppendAttribute(a.name, a.value);
 
     // The element sits at level 2, under the "Ruvex" root.
     size_t& depth = detail::BuildDepth();
     const size_t outer = std::exchange(depth, 1);
-    auto* built = static_cast<detail::PugiNode*>(root->BuildXMLElement(&document));
+    auto* built = static_cast<WriteNode*>(root->BuildXMLElement(&document));
     if (!built) {
         depth = outer;
         document.ReportProblem(nullptr, "the element could not be written");
         return false;
     }
-    rootNode.append_move(built->node());
+    rootNode->Insert(built, nullptr);
     if (kept) detail::MergePreservedNodes(document, rootNode, kept->rootNodes);
-    if (kept) WriteDocumentNodes(doc, kept->epilog);
+    if (kept) WriteDocumentNodes(document, kept->epilog);
     document.ApplyDeferred();
     depth = outer;
     // Children that runtime classes append after the generic part are not counted while building; what is
     // written must read back all the same.
-    if (!document.HasErrors() && detail::FindElementDeeperThan(doc, kMaxNestingDepth))
+    if (!document.HasErrors() && detail::FindElementDeeperThan(document.root(), kMaxNestingDepth))
         document.ReportProblem(
             nullptr, "elements are nested deeper than " + std::to_string(kMaxNestingDepth) + " levels");
     if (document.HasErrors()) return false;
-
-    struct Writer : pugi::xml_writer {
-        std::string* out;
-        void write(const void* data, size_t size) override {
-            out->append(static_cast<const char*>(data), size);
-        }
-    } writer;
-    writer.out = &text;
-    text.clear();
-    doc.save(writer, "  ", pugi::format_default,
-             kept && kept->latin1 ? pugi::encoding_latin1 : pugi::encoding_utf8);
+    document.Serialize(text, kept && kept->latin1);
     return true;
 }
 
@@ -320,7 +299,7 @@ std::string SaveToString(Element* root) {
     problems.clear();
     std::string text;
     if (!root) return text;
-    detail::PugiDocument document("buffer");
+    detail::WriteDocument document("buffer");
     if (!BuildDocument(root, document, text)) {
         problems = document.problems();
         text.clear();
@@ -336,7 +315,7 @@ bool Save(Element* root, const char* path) {
         return false;
     }
     std::string text;
-    detail::PugiDocument document(path);
+    detail::WriteDocument document(path);
     if (!BuildDocument(root, document, text)) {
         problems = document.problems();
         return false;

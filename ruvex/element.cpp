@@ -3,6 +3,7 @@
 #include <orvia/ruvex/schema.h>
 
 #include "pugi_dom.h"
+#include "xml_writer.h"
 
 #include <typeinfo>
 #include <utility>
@@ -21,6 +22,11 @@ std::string_view Expected(std::string_view typeName) {
 detail::PugiDocument* AsPugi(IDOMParser* parser) {
     return typeid(*parser) == typeid(detail::PugiDocument) ? static_cast<detail::PugiDocument*>(parser)
                                                            : nullptr;
+}
+
+detail::WriteDocument* AsWriter(IDOMParser* parser) {
+    return typeid(*parser) == typeid(detail::WriteDocument) ? static_cast<detail::WriteDocument*>(parser)
+                                                            : nullptr;
 }
 
 PreservedNode CopyNode(IDOMElement* node, IDOMParser* parser, uint32_t anchor) {
@@ -80,6 +86,10 @@ const ChildField* NextItem(const Schema& schema, const ChildField* field, std::s
 }
 
 void AppendNodes(IDOMElement* element, IDOMParser* parser, const std::vector<PreservedNode>& nodes) {
+    if (detail::WriteDocument* writer = AsWriter(parser)) {
+        detail::MergePreservedNodes(*writer, static_cast<detail::WriteNode*>(element), nodes);
+        return;
+    }
     if (detail::PugiDocument* pugi = AsPugi(parser)) {
         detail::MergePreservedNodes(*pugi, static_cast<detail::PugiNode*>(element)->node(), nodes);
         return;
@@ -268,6 +278,10 @@ IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
         Level(const Level&) = delete;
         Level& operator=(const Level&) = delete;
     } level(depth);
+    // The schema's names are distinct and outlive the document: the writer appends them without a search.
+    detail::WriteDocument* writer = AsWriter(parser);
+    auto* written =
+        writer && m_schema->distinctAttributeNames ? static_cast<detail::WriteNode*>(element) : nullptr;
     FormatBuffer buffer;
     for (const AttributeField& field : m_schema->attributes) {
         std::string_view text = field.format(*this, buffer, field);
@@ -275,7 +289,10 @@ IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
             text.find('n') != std::string_view::npos)
             parser->ReportProblem(element, "attribute \"" + std::string(field.name) + "\" of <" +
                                                GetTagName() + "> is not a finite number");
-        element->SetRawAttribute(field.name, text);
+        if (written)
+            written->AppendNewAttribute(field.name, text);
+        else
+            element->SetRawAttribute(field.name, text);
     }
     if (m_preserved)
         for (const PreservedAttribute& a : m_preserved->attributes)
@@ -312,7 +329,9 @@ IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
         if (context.any || kept) element->AppendChild(container);
     }
     if (m_preserved && !m_preserved->nodes.empty()) {
-        if (detail::PugiDocument* pugi = AsPugi(parser))
+        if (writer)
+            writer->Defer(static_cast<detail::WriteNode*>(element), m_preserved.get(), depth);
+        else if (detail::PugiDocument* pugi = AsPugi(parser))
             pugi->Defer(static_cast<detail::PugiNode*>(element)->node(), m_preserved.get());
         else
             AppendNodes(element, parser, m_preserved->nodes);

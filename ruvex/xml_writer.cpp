@@ -307,12 +307,16 @@ void WriteNode::AppendNewAttribute(std::string_view staticName, std::string_view
     m_lastAttribute = a;
 }
 
+void WriteNode::AppendAttribute(std::string_view name, std::string_view value) {
+    AppendNewAttribute(m_document->arena().Copy(name), value);
+}
+
 void WriteNode::SetRawAttribute(std::string_view name, std::string_view value) {
     if (Attribute* a = Find(name)) {
         a->value = m_document->arena().Copy(value);
         return;
     }
-    AppendNewAttribute(m_document->arena().Copy(name), value);
+    AppendAttribute(name, value);
 }
 
 void WriteNode::SetAttribute(std::string_view name, std::string_view value) {

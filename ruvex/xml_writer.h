@@ -108,8 +108,9 @@ public:
     size_t GetLine() const override { return 0; }
     size_t GetColumn() const override { return 0; }
 
-    // For the layer itself. An attribute whose name is known to be new on this element and to outlive the
-    // document (a schema's), with its value copied.
+    // For the layer itself. Appends without looking for an attribute of the same name; both texts are copied.
+    void AppendAttribute(std::string_view name, std::string_view value);
+    // The same for a name that outlives the document (a schema's), which is not copied.
     void AppendNewAttribute(std::string_view staticName, std::string_view value);
     // Links `child` (a node of this document, not in any tree) before `before` (a child of this node), or at
     // the end when `before` is null.

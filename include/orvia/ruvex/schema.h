@@ -63,6 +63,9 @@ struct Schema {
     const Schema* base = nullptr;
     std::vector<AttributeField> attributes;  // base class fields first
     std::vector<ChildField> children;
+    // No two attributes share a file name (a table that repeats one writes its last value in the first
+    // place).
+    bool distinctAttributeNames = true;
 
     // `hint` is the index after the previous match: attributes usually come in table order.
     const AttributeField* FindAttribute(std::string_view name, size_t& hint) const {
@@ -348,7 +351,13 @@ public:
         return *this;
     }
 
-    Schema Build() { return std::move(m_schema); }
+    Schema Build() {
+        for (size_t i = 0; i < m_schema.attributes.size(); ++i)
+            for (size_t j = 0; j < i; ++j)
+                if (m_schema.attributes[i].name == m_schema.attributes[j].name)
+                    m_schema.distinctAttributeNames = false;
+        return std::move(m_schema);
+    }
 
 private:
     Schema m_schema;
