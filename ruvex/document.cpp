@@ -253,13 +253,14 @@ bool BuildDocument(Element* root, detail::WriteDocument& document, std::string& 
     if (kept) WriteDocumentNodes(document, kept->epilog);
     document.ApplyDeferred();
     depth = outer;
+    if (document.HasErrors()) return false;
     // Children that runtime classes append after the generic part are not counted while building; what is
     // written must read back all the same.
-    if (!document.HasErrors() && detail::FindElementDeeperThan(document.root(), kMaxNestingDepth))
+    if (!document.Serialize(text, kept && kept->latin1, kMaxNestingDepth)) {
         document.ReportProblem(
             nullptr, "elements are nested deeper than " + std::to_string(kMaxNestingDepth) + " levels");
-    if (document.HasErrors()) return false;
-    document.Serialize(text, kept && kept->latin1);
+        return false;
+    }
     return true;
 }
 

@@ -58,6 +58,7 @@ public:
         m_text.append(m_buffer, m_used);
         m_used = 0;
     }
+    void Discard() { m_used = 0; }
 
 private:
     static constexpr size_t kSize = 64 * 1024;
@@ -300,6 +301,7 @@ void WriteNode::AppendNewAttribute(std::string_view staticName, std::string_view
     Arena& arena = m_document->arena();
     auto* a = static_cast<Attribute*>(arena.Allocate(sizeof(Attribute), alignof(Attribute)));
     *a = Attribute{staticName, arena.Copy(value), nullptr};
+    m_document->AddToTextSize(staticName.size() + value.size() + 4);
     if (m_lastAttribute)
         m_lastAttribute->next = a;
     else
@@ -394,6 +396,7 @@ std::string_view WriteNode::GetValue() const {
 
 void WriteNode::SetValue(std::string_view value) {
     m_value = m_document->arena().Copy(value);
+    m_document->AddToTextSize(value.size());
 }
 
 void WriteNode::Unlink() {
@@ -436,6 +439,9 @@ WriteDocument::WriteDocument(std::string fileName)
     : m_fileName(std::move(fileName)), m_root(this, WriteNode::Kind::Document, {}) {}
 
 WriteNode* WriteDocument::NewNode(WriteNode::Kind kind, std::string_view name) {
+    // Start and end tag, line breaks, and the indent of a typical depth.
+    constexpr size_t kMarkupPerNode = 24;
+    m_textSize += 2 * name.size() + kMarkupPerNode;
     void* at = m_arena.Allocate(sizeof(WriteNode), alignof(WriteNode));
     return new (at) WriteNode(this, kind, m_arena.Copy(name));
 }
@@ -493,8 +499,9 @@ void WriteDocument::ApplyDeferred() {
     m_deferred.clear();
 }
 
-void WriteDocument::Serialize(std::string& text, bool latin1) const {
+bool WriteDocument::Serialize(std::string& text, bool latin1, size_t maxDepth) const {
     text.clear();
+    text.reserve(m_textSize + m_textSize / 8);
     {
         Output out(text);
         const WriteNode* top = &m_root;
@@ -512,6 +519,11 @@ void WriteDocument::Serialize(std::string& text, bool latin1) const {
                 if (flags & kNewline) out.Put('\n');
                 if (flags & kIndent) out.Indent(depth);
                 if (kind == WriteNode::Kind::Element) {
+                    if (depth >= maxDepth) {
+                        out.Discard();
+                        text.clear();
+                        return false;
+                    }
                     flags = kNewline | kIndent;
                     out.Put('<');
                     out.Put(node->name());
@@ -555,15 +567,37 @@ void WriteDocument::Serialize(std::string& text, bool latin1) const {
         if (flags & kNewline) out.Put('\n');
     }
     if (latin1) text = ToLatin1(text);
+    return true;
 }
 
 void MergePreservedNodes(WriteDocument& document, WriteNode* node, const std::vector<PreservedNode>& nodes) {
     if (nodes.empty()) return;
+    auto element = [](WriteNode* n) {
+        while (n && n->kind() != WriteNode::Kind::Element)
+            n = n->next();
+        return n;
+    };
+    // Anchors count the element children there were before any insertion. Loading records them in order,
+    // and then one walk finds every place (what is inserted goes before the walk's position); nodes put in
+    // another order take their places from a list made first.
+    const bool ordered =
+        std::is_sorted(nodes.begin(), nodes.end(),
+                       [](const PreservedNode& a, const PreservedNode& b) { return a.anchor < b.anchor; });
     std::vector<WriteNode*> elements;
-    for (WriteNode* n = node->firstChild(); n; n = n->next())
-        if (n->kind() == WriteNode::Kind::Element) elements.push_back(n);
+    if (!ordered)
+        for (WriteNode* n = element(node->firstChild()); n; n = element(n->next()))
+            elements.push_back(n);
+    WriteNode* cursor = element(node->firstChild());
+    uint32_t index = 0;
     for (const PreservedNode& p : nodes) {
-        WriteNode* before = p.anchor < elements.size() ? elements[p.anchor] : nullptr;
+        WriteNode* before = nullptr;
+        if (ordered) {
+            for (; cursor && index < p.anchor; ++index)
+                cursor = element(cursor->next());
+            before = cursor;
+        } else if (p.anchor < elements.size()) {
+            before = elements[p.anchor];
+        }
         if (p.kind == NodeKind::Element) {
             if (!p.element) continue;
             if (auto* built = static_cast<WriteNode*>(p.element->BuildXMLElement(&document)))
@@ -573,28 +607,6 @@ void MergePreservedNodes(WriteDocument& document, WriteNode* node, const std::ve
         node->Insert(document.NewNode(p.kind == NodeKind::Other ? NodeKind::Text : p.kind, p.name, p.value),
                      before);
     }
-}
-
-const WriteNode* FindElementDeeperThan(const WriteNode& top, size_t maxDepth) {
-    size_t depth = 1;
-    const WriteNode* n = top.firstChild();
-    while (n) {
-        if (n->kind() == WriteNode::Kind::Element) {
-            if (depth > maxDepth) return n;
-            if (const WriteNode* child = n->firstChild()) {
-                n = child;
-                ++depth;
-                continue;
-            }
-        }
-        while (!n->next()) {
-            n = n->parent();
-            if (n == &top) return nullptr;
-            --depth;
-        }
-        n = n->next();
-    }
-    return nullptr;
 }
 
 }  // namespace Ruvex::detail

@@ -163,6 +163,8 @@ public:
     WriteNode* NewNode(NodeKind kind, std::string_view name, std::string_view value);
     WriteNode& root() { return m_root; }
     Arena& arena() { return m_arena; }
+    // Bytes that the text will take, about: the string is reserved once instead of growing by copies.
+    void AddToTextSize(size_t bytes) { m_textSize += bytes; }
 
     // Preserved content is put back once the whole tree is built, so that the children a runtime class
     // appends after the generic part count too. `depth` is the nesting level of `node`.
@@ -172,8 +174,9 @@ public:
     void ApplyDeferred();
 
     // The document text; `latin1` converts it as pugixml's Latin-1 output does (characters above U+00FF
-    // become '?', malformed sequences are dropped).
-    void Serialize(std::string& text, bool latin1) const;
+    // become '?', malformed sequences are dropped). False, with `text` empty, when an element is nested
+    // deeper than `maxDepth` levels (the root element being level 1).
+    bool Serialize(std::string& text, bool latin1, size_t maxDepth = SIZE_MAX) const;
 
     const std::string& fileName() const { return m_fileName; }
     std::vector<Problem>& problems() { return m_problems; }
@@ -187,6 +190,7 @@ private:
 
     std::string m_fileName;
     Arena m_arena;
+    size_t m_textSize = 0;
     WriteNode m_root;
     std::vector<Problem> m_problems;
     std::vector<Deferred> m_deferred;
@@ -194,9 +198,5 @@ private:
 
 // Inserts preserved nodes among the element children of `node` at their anchors.
 void MergePreservedNodes(WriteDocument& document, WriteNode* node, const std::vector<PreservedNode>& nodes);
-
-// The first element, in document order, nested deeper than `maxDepth` levels (the children of `top` being
-// level 1); null when there is none. Walks without recursion.
-const WriteNode* FindElementDeeperThan(const WriteNode& top, size_t maxDepth);
 
 }  // namespace Ruvex::detail
