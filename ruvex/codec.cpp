@@ -1,9 +1,13 @@
 #include <orvia/ruvex/hash_vector.h>
 #include <orvia/ruvex/schema.h>
 
+#include <algorithm>
 #include <atomic>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
 
 namespace Ruvex {
 
@@ -66,7 +70,126 @@ std::string FromFileText(std::string_view fileText) {
     return out;
 }
 
+namespace {
+
+// The powers of ten that doubles hold exactly.
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// Scaled values stay below this, so that the nearest decimal of a given number of places is unique and found
+// by rounding: the decimals are then more than four units in the last place apart, and the scaling is off by
+// less than an eighth.
+constexpr double kScaledLimit = 0x1p50;
+
+constexpr uint64_t kIntegerPowersOfTen[] = {1,
+                                            10,
+                                            100,
+                                            1000,
+                                            10000,
+                                            100000,
+                                            1000000,
+                                            10000000,
+                                            100000000,
+                                            1000000000,
+                                            10000000000,
+                                            100000000000,
+                                            1000000000000,
+                                            10000000000000,
+                                            100000000000000,
+                                            1000000000000000,
+                                            10000000000000000};
+
+size_t DigitCount(uint64_t n) {
+    return static_cast<size_t>(
+        std::upper_bound(std::begin(kIntegerPowersOfTen) + 1, std::end(kIntegerPowersOfTen), n) -
+        std::begin(kIntegerPowersOfTen));
+}
+
+// "00" to "99": digits are written two at a time.
+constexpr char kDigitPairs[] =
+    "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+    "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+    "8081828384858687888990919293949596979899";
+
+// What to_chars writes for `value` (finite, not zero) when it is a decimal of at most 15 significant digits
+// that to_chars writes in fixed notation, found without the general shortest-digits search; empty otherwise.
+// The decimal with the fewest places that reads back as the value has the fewest significant digits, and
+// no other decimal of as many places reads back as it: it is the shortest form.
+std::string_view FormatFixedDecimal(double value, char* out) {
+    const double magnitude = std::fabs(value);
+    if (!(magnitude >= 1e-7 && magnitude < 1e15)) return {};
+    // The most places that keep 15 digits in all, leading zeros after the point not counted.
+    int places = 15;
+    if (magnitude >= 1) {
+        places -=
+            static_cast<int>(std::upper_bound(kPowersOfTen + 1, kPowersOfTen + 16, magnitude) - kPowersOfTen);
+    } else {
+        for (int zeros = 1; zeros <= 7 && magnitude * kPowersOfTen[zeros] < 1; ++zeros)
+            ++places;
+    }
+    const double scaled = magnitude * kPowersOfTen[places];
+    if (scaled >= kScaledLimit) return {};
+    // Rounds to the nearest integer (ties to even) without a library call: below 2^52 adding 2^52 leaves no
+    // fraction bits.
+    const double rounded = (scaled + 0x1p52) - 0x1p52;
+    if (rounded / kPowersOfTen[places] != magnitude) return {};
+    auto digits = static_cast<uint64_t>(rounded);
+    // Trailing zeros go with the places they stand in (at most 15 of them, in binary steps).
+    for (int step : {8, 4, 2, 1})
+        if (places >= step && digits % kIntegerPowersOfTen[step] == 0) {
+            digits /= kIntegerPowersOfTen[step];
+            places -= step;
+        }
+    // to_chars takes the shorter of fixed and scientific notation, fixed on a tie.
+    const size_t count = DigitCount(digits);
+    size_t significant = count;
+    for (uint64_t d = digits; places == 0 && d % 10 == 0; d /= 10)
+        --significant;
+    const int exponent = static_cast<int>(count) - 1 - places;
+    const size_t fixedLength =
+        places == 0 ? count : (exponent >= 0 ? count + 1 : static_cast<size_t>(places) + 2);
+    const size_t exponentDigits = std::abs(exponent) >= 100 ? 3 : 2;
+    const size_t scientificLength = significant + (significant > 1 ? 1 : 0) + 2 + exponentDigits;
+    if (fixedLength > scientificLength) return {};
+
+    char text[24];
+    size_t i = count;
+    for (; digits >= 10; digits /= 100) {
+        const size_t pair = 2 * (digits % 100);
+        text[--i] = kDigitPairs[pair + 1];
+        text[--i] = kDigitPairs[pair];
+    }
+    if (i > 0) text[--i] = static_cast<char>('0' + digits);
+    char* p = out;
+    if (value < 0) *p++ = '-';
+    const auto point = static_cast<size_t>(places);
+    if (point == 0) {
+        std::memcpy(p, text, count);
+        p += count;
+    } else if (count > point) {
+        std::memcpy(p, text, count - point);
+        p += count - point;
+        *p++ = '.';
+        std::memcpy(p, text + count - point, point);
+        p += point;
+    } else {
+        *p++ = '0';
+        *p++ = '.';
+        for (size_t k = count; k < point; ++k)
+            *p++ = '0';
+        std::memcpy(p, text, count);
+        p += count;
+    }
+    return std::string_view(out, static_cast<size_t>(p - out));
+}
+
+}  // namespace
+
 std::string_view FormatDouble(double value, FormatBuffer& buffer) {
+    // Files hold mostly short decimals: those are written directly.
+    if (value == 0) return std::signbit(value) ? "-0" : "0";
+    std::string_view fast = FormatFixedDecimal(value, buffer.digits.data());
+    if (!fast.empty()) return fast;
     // Negative zero reads back as zero only if written with its sign; to_chars keeps it.
     auto [end, error] =
         std::to_chars(buffer.digits.data(), buffer.digits.data() + buffer.digits.size(), value);

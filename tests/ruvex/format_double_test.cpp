@@ -1,0 +1,90 @@
+#include <orvia/ruvex/schema.h>
+
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string>
+
+namespace {
+
+std::string Reference(double value) {
+    char text[64];
+    auto [end, error] = std::to_chars(text, text + sizeof text, value);
+    EXPECT_EQ(error, std::errc());
+    return std::string(text, end);
+}
+
+// The text of a double is exactly what to_chars writes: shortest, reading back bit for bit.
+void ExpectSameText(double value) {
+    Ruvex::FormatBuffer buffer;
+    ASSERT_EQ(Ruvex::detail::FormatDouble(value, buffer), Reference(value)) << std::hexfloat << value;
+}
+
+uint64_t Next(uint64_t& state) {
+    state = state * 6364136223846793005ull + 1442695040888963407ull;
+    return state >> 11;
+}
+
+}  // namespace
+
+TEST(FormatDouble, SameTextAsToChars) {
+    // Zeros, the ends of the range written directly, and where fixed and scientific notation trade places.
+    for (double v : {0.0,
+                     -0.0,
+                     1.0,
+                     -1.0,
+                     0.1,
+                     0.3,
+                     0.1 + 0.2,
+                     1.0 / 3.0,
+                     1.9e-5,
+                     1.2645e-4,
+                     1e-7,
+                     9.99e-8,
+                     1e-8,
+                     100.0,
+                     1e6,
+                     1234567.0,
+                     1e14,
+                     1e15,
+                     999999999999999.0,
+                     999999999999999.9,
+                     0x1p50,
+                     0x1p50 - 1,
+                     0x1p53,
+                     4.35,
+                     2.675,
+                     1.005,
+                     123.456,
+                     1.7976931348623157e308,
+                     3.4028234663852886e38,
+                     std::numeric_limits<double>::denorm_min(),
+                     std::numeric_limits<double>::min()})
+        for (double sign : {1.0, -1.0})
+            ExpectSameText(sign * v);
+
+    uint64_t state = 7;
+    for (int i = 0; i < 300000; ++i) {
+        // Decimals of every length and place, as files hold them.
+        const auto digits = static_cast<int>(Next(state) % 17) + 1;
+        const uint64_t mantissa = Next(state) % static_cast<uint64_t>(std::pow(10.0, digits));
+        const auto places = static_cast<int>(Next(state) % 23);
+        const double decimal = static_cast<double>(mantissa) / std::pow(10.0, places);
+        ExpectSameText(i % 2 ? decimal : -decimal);
+        // Integers with trailing zeros, which switch to scientific notation.
+        ExpectSameText(static_cast<double>(mantissa % 1000) *
+                       std::pow(10.0, static_cast<double>(places % 18)));
+        // Any finite double.
+        uint64_t bits = Next(state) << 11 | Next(state) % 2048;
+        double any = 0;
+        std::memcpy(&any, &bits, sizeof any);
+        if (std::isfinite(any)) ExpectSameText(any);
+        // Doubles next to short decimals.
+        ExpectSameText(std::nextafter(decimal, 2 * decimal + 1));
+        if (HasFatalFailure()) return;
+    }
+}
