@@ -40,6 +40,7 @@ public:
         m_buffer[m_used++] = c;
     }
     void Put(std::string_view text) {
+        if (text.empty()) return;  // an empty view may hold no pointer, which memcpy must not see
         if (text.size() > kSize - m_used) {
             Flush();
             if (text.size() > kSize) {
