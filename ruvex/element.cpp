@@ -2,6 +2,7 @@
 #include <orvia/ruvex/factory.h>
 #include <orvia/ruvex/schema.h>
 
+#include "packed_content.h"
 #include "pugi_dom.h"
 #include "xml_writer.h"
 
@@ -140,9 +141,22 @@ const std::string& Element::GetTagName() const {
     return m_schema->tag;
 }
 
+const PreservedContent* Element::GetPreserved() const {
+    if (auto* generic = dynamic_cast<const GenericElement*>(this); generic && !generic->m_packed.empty())
+        const_cast<GenericElement*>(generic)->Unpack();
+    return m_preserved.get();
+}
+
 PreservedContent& Element::EditPreserved() {
+    if (auto* generic = dynamic_cast<GenericElement*>(this); generic && !generic->m_packed.empty())
+        generic->Unpack();
     if (!m_preserved) m_preserved = std::make_unique<PreservedContent>();
     return *m_preserved;
+}
+
+void Element::ClearPreserved() {
+    m_preserved.reset();
+    if (auto* generic = dynamic_cast<GenericElement*>(this)) generic->m_packed = std::string();
 }
 
 bool Element::LoadFromXMLElement(IDOMElement* element, IDOMParser* parser) {
@@ -337,6 +351,43 @@ IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
             AppendNodes(element, parser, m_preserved->nodes);
     }
     return element;
+}
+
+bool GenericElement::LoadFromXMLElement(IDOMElement* element, IDOMParser* parser) {
+    if (!element || !parser) return false;
+    if (typeid(*element) != typeid(detail::PugiNode)) {
+        Unpack();
+        return Element::LoadFromXMLElement(element, parser);
+    }
+    // What an earlier load kept goes, as it would in the generic load; the document around stays.
+    if (m_preserved) {
+        m_preserved->attributes.clear();
+        m_preserved->nodes.clear();
+        m_preserved->containers.clear();
+    }
+    thread_local std::string packed;
+    packed.clear();
+    detail::PackContent(static_cast<detail::PugiNode*>(element)->node(), packed);
+    m_packed = std::string(packed);  // no room to spare
+    return true;
+}
+
+IDOMElement* GenericElement::BuildXMLElement(IDOMParser* parser) {
+    detail::WriteDocument* writer = parser ? AsWriter(parser) : nullptr;
+    if (m_packed.empty() || !writer || m_preserved) {
+        Unpack();
+        return BuildGenericXMLElement(parser);
+    }
+    detail::WriteNode* element = writer->NewNodeView(detail::WriteNode::Kind::Element, m_tag);
+    detail::WritePackedContent(m_packed, *writer, element);
+    return element;
+}
+
+void GenericElement::Unpack() {
+    if (m_packed.empty()) return;
+    if (!m_preserved) m_preserved = std::make_unique<PreservedContent>();
+    detail::UnpackContent(m_packed, *m_preserved);
+    m_packed = std::string();
 }
 
 NamedElement::NamedElement() : Element(&NamedElement::StaticSchema()) {}

@@ -298,16 +298,19 @@ void WriteNode::VisitAttributes(void* context,
         visit(context, a->name, a->value);
 }
 
-void WriteNode::AppendNewAttribute(std::string_view staticName, std::string_view value) {
-    Arena& arena = m_document->arena();
-    auto* a = static_cast<Attribute*>(arena.Allocate(sizeof(Attribute), alignof(Attribute)));
-    *a = Attribute{staticName, arena.Copy(value), nullptr};
-    m_document->AddToTextSize(staticName.size() + value.size() + 4);
+void WriteNode::AppendView(std::string_view name, std::string_view value) {
+    auto* a = static_cast<Attribute*>(m_document->arena().Allocate(sizeof(Attribute), alignof(Attribute)));
+    *a = Attribute{name, value, nullptr};
+    m_document->AddToTextSize(name.size() + value.size() + 4);
     if (m_lastAttribute)
         m_lastAttribute->next = a;
     else
         m_firstAttribute = a;
     m_lastAttribute = a;
+}
+
+void WriteNode::AppendNewAttribute(std::string_view staticName, std::string_view value) {
+    AppendView(staticName, m_document->arena().Copy(value));
 }
 
 void WriteNode::AppendAttribute(std::string_view name, std::string_view value) {
@@ -396,8 +399,19 @@ std::string_view WriteNode::GetValue() const {
 }
 
 void WriteNode::SetValue(std::string_view value) {
-    m_value = m_document->arena().Copy(value);
+    SetValueView(m_document->arena().Copy(value));
+}
+
+void WriteNode::SetValueView(std::string_view value) {
+    m_value = value;
     m_document->AddToTextSize(value.size());
+}
+
+void WriteNode::SetRawAttributeView(std::string_view name, std::string_view value) {
+    if (Attribute* a = Find(name))
+        a->value = value;
+    else
+        AppendView(name, value);
 }
 
 void WriteNode::Unlink() {
@@ -439,12 +453,12 @@ void WriteNode::AppendNode(NodeKind kind, std::string_view name, std::string_vie
 WriteDocument::WriteDocument(std::string fileName)
     : m_fileName(std::move(fileName)), m_root(this, WriteNode::Kind::Document, {}) {}
 
-WriteNode* WriteDocument::NewNode(WriteNode::Kind kind, std::string_view name) {
+WriteNode* WriteDocument::NewNodeView(WriteNode::Kind kind, std::string_view name) {
     // Start and end tag, line breaks, and the indent of a typical depth.
     constexpr size_t kMarkupPerNode = 24;
     m_textSize += 2 * name.size() + kMarkupPerNode;
     void* at = m_arena.Allocate(sizeof(WriteNode), alignof(WriteNode));
-    return new (at) WriteNode(this, kind, m_arena.Copy(name));
+    return new (at) WriteNode(this, kind, name);
 }
 
 WriteNode* WriteDocument::NewNode(NodeKind kind, std::string_view name, std::string_view value) {

@@ -116,6 +116,9 @@ public:
     // the end when `before` is null.
     void Insert(WriteNode* child, WriteNode* before);
     void SetValue(std::string_view value);
+    // The same as SetRawAttribute and SetValue for texts that outlive the document, which are not copied.
+    void SetRawAttributeView(std::string_view name, std::string_view value);
+    void SetValueView(std::string_view value);
 
     Kind kind() const { return m_kind; }
     std::string_view name() const { return m_name; }
@@ -130,6 +133,7 @@ private:
     template <class T>
     AttributeStatus ReadTyped(std::string_view name, T& value) const;
     Attribute* Find(std::string_view name) const;
+    void AppendView(std::string_view name, std::string_view value);
     void Unlink();
 
     WriteDocument* m_document;
@@ -158,7 +162,11 @@ public:
     bool HasErrors() const;
 
     // A node of `kind`, in no tree yet; `name` is copied.
-    WriteNode* NewNode(WriteNode::Kind kind, std::string_view name);
+    WriteNode* NewNode(WriteNode::Kind kind, std::string_view name) {
+        return NewNodeView(kind, m_arena.Copy(name));
+    }
+    // The same with a name that outlives the document, which is not copied.
+    WriteNode* NewNodeView(WriteNode::Kind kind, std::string_view name);
     // A node for a preserved one (text, comment, processing instruction or doctype).
     WriteNode* NewNode(NodeKind kind, std::string_view name, std::string_view value);
     WriteNode& root() { return m_root; }

@@ -12,6 +12,9 @@ namespace Ruvex {
 
 struct Schema;
 class Element;
+namespace detail {
+struct PackedAccess;
+}
 
 // What a file held that the element's class does not know: attributes, child nodes and, inside list
 // containers, the same again. It is written back unchanged, so load -> save -> load loses nothing.
@@ -68,10 +71,11 @@ public:
     static const Schema& StaticSchema();
     const Schema& GetSchema() const { return *m_schema; }
 
-    // Content of the file that no class took; null when there is none.
-    const PreservedContent* GetPreserved() const { return m_preserved.get(); }
+    // Content of the file that no class took; null when there is none. Not for concurrent readers: an unknown
+    // element read from a file opens its packed content here on first use.
+    const PreservedContent* GetPreserved() const;
     PreservedContent& EditPreserved();
-    void ClearPreserved() { m_preserved.reset(); }
+    void ClearPreserved();
 
 protected:
     explicit Element(const Schema* schema);
@@ -90,6 +94,7 @@ protected:
 
 private:
     friend class DocumentAccess;
+    friend class GenericElement;
     const Schema* m_schema;
     std::unique_ptr<PreservedContent> m_preserved;
 };
@@ -108,17 +113,27 @@ protected:
     std::string m_name;
 };
 
-// A tag that no class stands for. Everything it holds is kept and written back as read.
+// A tag that no class stands for. Everything it holds is kept and written back as read. Read from a file, it
+// keeps that content packed in one block (about the size of its text), opened into preserved content when
+// GetPreserved or EditPreserved is first called.
 class GenericElement : public Element {
 public:
     explicit GenericElement(std::string tag) : m_tag(std::move(tag)) {}
     const std::string& GetTagName() const override { return m_tag; }
+    bool LoadFromXMLElement(IDOMElement* element, IDOMParser* parser) override;
+    IDOMElement* BuildXMLElement(IDOMParser* parser) override;
 
 protected:
     bool LoadChild(IDOMElement*, IDOMParser*) override { return false; }
 
 private:
+    friend class Element;
+    friend struct detail::PackedAccess;
+    // Moves the packed content into the preserved content.
+    void Unpack();
+
     std::string m_tag;
+    std::string m_packed;
 };
 
 }  // namespace Ruvex
