@@ -305,3 +305,17 @@ TEST(Load, SecondChildForOneSlotIsKept) {
     ASSERT_TRUE(both->GetPreserved());
     EXPECT_EQ(both->GetPreserved()->nodes.size(), 1u);
 }
+
+TEST(Save, EmptyTextsAreWritten) {
+    // Empty values, comments and instructions are written as such (and copy nothing from an empty view).
+    CountedPtr<Element> root(
+        Load("<Ruvex><Mystery a=\"\"><!----><?pi?><Inner b=\"\"/></Mystery></Ruvex>", true));
+    ASSERT_TRUE(root);
+    const std::string text = SaveToString(root.Get());
+    EXPECT_NE(text.find("<Mystery a=\"\">"), std::string::npos) << text;
+    EXPECT_NE(text.find("<!---->"), std::string::npos) << text;
+    EXPECT_NE(text.find("<Inner b=\"\" />"), std::string::npos) << text;
+    CountedPtr<Element> again(Load(text.c_str(), true));
+    ASSERT_TRUE(again);
+    EXPECT_EQ(SaveToString(again.Get()), text);
+}
