@@ -208,6 +208,31 @@ AttributeStatus ParseDouble(std::string_view text, double& value) {
     return AttributeStatus::Ok;
 }
 
+AttributeStatus ParseDoubleTerminated(const char* text, double& value) {
+    // Most values are short decimals, read here: at most 15 digits make an exact integer, and dividing it by
+    // a power of ten that doubles hold exactly rounds once, correctly. Anything else goes to from_chars.
+    constexpr int kMaxDigits = 15;
+    const char* p = text;
+    const bool negative = *p == '-';
+    p += negative;
+    uint64_t mantissa = 0;
+    int digits = 0;
+    for (; static_cast<unsigned>(*p - '0') < 10 && digits <= kMaxDigits; ++p, ++digits)
+        mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
+    int places = 0;
+    if (digits > 0 && *p == '.') {
+        ++p;
+        for (; static_cast<unsigned>(*p - '0') < 10 && digits + places <= kMaxDigits; ++p, ++places)
+            mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
+        if (places == 0) digits = 0;  // "1." goes the long way
+    }
+    if (*p != '\0' || digits == 0 || digits + places > kMaxDigits)
+        return ParseDouble(std::string_view(text), value);
+    const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[places];
+    value = negative ? -magnitude : magnitude;
+    return AttributeStatus::Ok;
+}
+
 AttributeStatus ParseBool(std::string_view text, bool& value) {
     if (text == "true" || text == "1") {
         value = true;

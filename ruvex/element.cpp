@@ -166,9 +166,37 @@ bool Element::LoadFromXMLElement(IDOMElement* element, IDOMParser* parser) {
     return ok;
 }
 
+namespace {
+
+void ReportMalformed(IDOMParser* parser, IDOMElement* element, const AttributeField& field,
+                     std::string_view value) {
+    parser->ReportWarning(element, "attribute \"" + std::string(field.name) + "\" of <" +
+                                       std::string(element->GetTagName()) + ">: expected " +
+                                       std::string(Expected(field.typeName)) + ", found \"" +
+                                       std::string(value) + "\"; left at its default");
+}
+
+}  // namespace
+
 bool Element::LoadAttributes(IDOMElement* element, IDOMParser* parser) {
     if (!element || !parser) return false;
     if (m_preserved) m_preserved->attributes.clear();
+    if (typeid(*element) == typeid(detail::PugiNode)) {
+        // Straight from pugixml's buffer, where names and values end at a NUL: nothing is measured that the
+        // value's type does not need.
+        size_t hint = 0;
+        const pugi::xml_node node = static_cast<detail::PugiNode*>(element)->node();
+        for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute()) {
+            const char* name = a.name();
+            const char* value = a.value();
+            const AttributeField* field = m_schema->FindAttributeTerminated(name, hint);
+            if (!field)
+                EditPreserved().attributes.push_back({name, value});
+            else if (field->readTerminated(*this, value, *field) == AttributeStatus::Malformed)
+                ReportMalformed(parser, element, *field, value);
+        }
+        return true;
+    }
     struct Context {
         Element* self;
         IDOMElement* element;
@@ -182,12 +210,8 @@ bool Element::LoadAttributes(IDOMElement* element, IDOMParser* parser) {
             c.self->EditPreserved().attributes.push_back({std::string(name), std::string(value)});
             return;
         }
-        if (field->read(*c.self, value, *field) == AttributeStatus::Malformed) {
-            c.parser->ReportWarning(c.element, "attribute \"" + std::string(name) + "\" of <" +
-                                                   std::string(c.element->GetTagName()) + ">: expected " +
-                                                   std::string(Expected(field->typeName)) + ", found \"" +
-                                                   std::string(value) + "\"; left at its default");
-        }
+        if (field->read(*c.self, value, *field) == AttributeStatus::Malformed)
+            ReportMalformed(c.parser, c.element, *field, value);
     });
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -85,6 +86,77 @@ TEST(FormatDouble, SameTextAsToChars) {
         if (std::isfinite(any)) ExpectSameText(any);
         // Doubles next to short decimals.
         ExpectSameText(std::nextafter(decimal, 2 * decimal + 1));
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(ParseDouble, TerminatedTextReadsAsTheView) {
+    // Text read straight from a parser's buffer gives what the measured text gives: same status, same bits.
+    auto expectSame = [](const std::string& text) {
+        double fromView = 1.25;
+        double fromTerminated = 1.25;
+        const Ruvex::AttributeStatus view = Ruvex::detail::ParseDouble(text, fromView);
+        const Ruvex::AttributeStatus terminated =
+            Ruvex::detail::ParseDoubleTerminated(text.c_str(), fromTerminated);
+        ASSERT_EQ(terminated, view) << '"' << text << '"';
+        ASSERT_EQ(std::memcmp(&fromView, &fromTerminated, sizeof(double)), 0) << '"' << text << '"';
+    };
+    for (const char* text : {"0",
+                             "-0",
+                             "0.0",
+                             "-0.0",
+                             "1",
+                             "+1",
+                             "+-1",
+                             "-",
+                             "",
+                             ".",
+                             ".5",
+                             "-.5",
+                             "1.",
+                             "1.2.3",
+                             "00012",
+                             "007.50",
+                             "1e5",
+                             "1E-5",
+                             "1e",
+                             "nan",
+                             "inf",
+                             "-inf",
+                             "1e999",
+                             " 1",
+                             "1 ",
+                             "0x10",
+                             "123456789012345",
+                             "1234567890123456",
+                             "12345678901234567",
+                             "0.123456789012345",
+                             "0.1234567890123456",
+                             "99999999999999.9",
+                             "999999999999999.9",
+                             "4.35",
+                             "2.675",
+                             "0.000000000000000000001",
+                             "0.0000000000000000000001",
+                             "1.7976931348623157e+308"})
+        expectSame(text);
+
+    uint64_t state = 11;
+    Ruvex::FormatBuffer buffer;
+    for (int i = 0; i < 200000; ++i) {
+        const auto digits = static_cast<int>(Next(state) % 18) + 1;
+        const uint64_t mantissa = Next(state) % static_cast<uint64_t>(std::pow(10.0, digits));
+        const auto places = static_cast<int>(Next(state) % 24);
+        std::string text = std::to_string(mantissa);
+        if (places > 0) {
+            text.insert(0, static_cast<size_t>(std::max(0, places + 1 - static_cast<int>(text.size()))), '0');
+            text.insert(text.size() - static_cast<size_t>(places), ".");
+        }
+        expectSame(i % 2 ? "-" + text : text);
+        uint64_t bits = Next(state) << 11 | Next(state) % 2048;
+        double any = 0;
+        std::memcpy(&any, &bits, sizeof any);
+        if (std::isfinite(any)) expectSame(std::string(Ruvex::detail::FormatDouble(any, buffer)));
         if (HasFatalFailure()) return;
     }
 }

@@ -31,6 +31,8 @@ struct AttributeField {
     std::string_view defaultText;
     // Parses file text (UTF-8) into the member; Malformed leaves the member as it was.
     AttributeStatus (*read)(Element& object, std::string_view text, const AttributeField& field);
+    // The same for text that ends at a NUL (a parser's buffer), which numbers need not measure first.
+    AttributeStatus (*readTerminated)(Element& object, const char* text, const AttributeField& field);
     // The member as file text (UTF-8); the view may point into the buffer.
     std::string_view (*format)(const Element& object, FormatBuffer& buffer, const AttributeField& field);
     // Extra word for codecs that need it (component index of vector members).
@@ -80,6 +82,23 @@ struct Schema {
         }
         return nullptr;
     }
+    // The same for a name that ends at a NUL, compared without measuring it first.
+    const AttributeField* FindAttributeTerminated(const char* name, size_t& hint) const {
+        const size_t n = attributes.size();
+        for (size_t k = 0; k < n; ++k) {
+            size_t i = hint + k;
+            if (i >= n) i -= n;
+            const std::string_view candidate = attributes[i].name;
+            size_t c = 0;
+            while (c < candidate.size() && name[c] == candidate[c])
+                ++c;
+            if (c == candidate.size() && name[c] == '\0') {
+                hint = i + 1;
+                return &attributes[i];
+            }
+        }
+        return nullptr;
+    }
     const ChildField* FindItem(std::string_view tag) const {
         for (const ChildField& c : children)
             if (c.container.empty() && c.Accepts(tag)) return &c;
@@ -103,6 +122,8 @@ std::string FromFileText(std::string_view fileText);  // UTF-8 -> model encoding
 
 std::string_view FormatDouble(double value, FormatBuffer& buffer);
 AttributeStatus ParseDouble(std::string_view text, double& value);
+// The same for text ending at a NUL.
+AttributeStatus ParseDoubleTerminated(const char* text, double& value);
 AttributeStatus ParseBool(std::string_view text, bool& value);
 
 template <class T>
@@ -231,6 +252,21 @@ struct Codec<std::vector<vek::Vector2>> {
     }
 };
 
+// Reads text ending at a NUL: numbers without measuring it, the rest as a view.
+template <class T>
+AttributeStatus ReadTerminated(const char* text, T& value) {
+    if constexpr (std::is_same_v<T, double>) {
+        return ParseDoubleTerminated(text, value);
+    } else if constexpr (std::is_same_v<T, float>) {
+        double d = 0;
+        AttributeStatus status = ParseDoubleTerminated(text, d);
+        if (status == AttributeStatus::Ok) value = static_cast<float>(d);
+        return status;
+    } else {
+        return Codec<T>::Read(std::string_view(text), value);
+    }
+}
+
 template <class M>
 struct MemberTraits;
 template <class C, class T>
@@ -246,6 +282,9 @@ struct AttributeOps {
     static AttributeStatus Read(Element& object, std::string_view text, const AttributeField&) {
         return Codec<Type>::Read(text, static_cast<Class&>(object).*Member);
     }
+    static AttributeStatus ReadTerminated(Element& object, const char* text, const AttributeField&) {
+        return detail::ReadTerminated(text, static_cast<Class&>(object).*Member);
+    }
     static std::string_view Format(const Element& object, FormatBuffer& buffer, const AttributeField&) {
         return Codec<Type>::Format(static_cast<const Class&>(object).*Member, buffer);
     }
@@ -257,6 +296,9 @@ struct ComponentOps {
     using Class = typename MemberTraits<decltype(Member)>::Class;
     static AttributeStatus Read(Element& object, std::string_view text, const AttributeField& field) {
         return ParseDouble(text, (static_cast<Class&>(object).*Member)[field.component]);
+    }
+    static AttributeStatus ReadTerminated(Element& object, const char* text, const AttributeField& field) {
+        return ParseDoubleTerminated(text, (static_cast<Class&>(object).*Member)[field.component]);
     }
     static std::string_view Format(const Element& object, FormatBuffer& buffer, const AttributeField& field) {
         return FormatDouble((static_cast<const Class&>(object).*Member)[field.component], buffer);
@@ -322,8 +364,8 @@ public:
     template <auto Member>
     SchemaBuilder& Attribute(std::string_view name, std::string_view defaultText) {
         using Ops = detail::AttributeOps<Member>;
-        m_schema.attributes.push_back(
-            {name, detail::Codec<typename Ops::Type>::kType, defaultText, &Ops::Read, &Ops::Format, 0});
+        m_schema.attributes.push_back({name, detail::Codec<typename Ops::Type>::kType, defaultText,
+                                       &Ops::Read, &Ops::ReadTerminated, &Ops::Format, 0});
         return *this;
     }
     template <auto Member>
@@ -332,7 +374,7 @@ public:
         int component = 0;
         for (std::string_view name : names)
             m_schema.attributes.push_back(
-                {name, "double", defaultText, &Ops::Read, &Ops::Format, component++});
+                {name, "double", defaultText, &Ops::Read, &Ops::ReadTerminated, &Ops::Format, component++});
         return *this;
     }
     template <auto Member>
