@@ -183,6 +183,32 @@ std::string_view FormatFixedDecimal(double value, char* out) {
     return std::string_view(out, static_cast<size_t>(p - out));
 }
 
+// Most values are short decimals ([-]digits[.digits], at most 15 digits), read here: the digits make an exact
+// integer, and dividing it by a power of ten that doubles hold exactly rounds once, correctly. False for
+// anything else, which from_chars reads. The text is [p, end), or ends at a NUL when `end` is null.
+bool ReadShortDecimal(const char* p, const char* end, double& value) {
+    constexpr int kMaxDigits = 15;
+    auto digit = [&](const char* at) { return at != end && static_cast<unsigned>(*at - '0') < 10; };
+    const bool negative = p != end && *p == '-';
+    p += negative;
+    uint64_t mantissa = 0;
+    int digits = 0;
+    for (; digit(p) && digits <= kMaxDigits; ++p, ++digits)
+        mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
+    int places = 0;
+    if (digits > 0 && p != end && *p == '.') {
+        ++p;
+        for (; digit(p) && digits + places <= kMaxDigits; ++p, ++places)
+            mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
+        if (places == 0) return false;  // "1." goes the long way
+    }
+    const bool atEnd = end ? p == end : *p == '\0';
+    if (!atEnd || digits == 0 || digits + places > kMaxDigits) return false;
+    const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[places];
+    value = negative ? -magnitude : magnitude;
+    return true;
+}
+
 }  // namespace
 
 std::string_view FormatDouble(double value, FormatBuffer& buffer) {
@@ -198,6 +224,7 @@ std::string_view FormatDouble(double value, FormatBuffer& buffer) {
 }
 
 AttributeStatus ParseDouble(std::string_view text, double& value) {
+    if (ReadShortDecimal(text.data(), text.data() + text.size(), value)) return AttributeStatus::Ok;
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
     if (text.empty()) return AttributeStatus::Malformed;
     double parsed = 0;
@@ -209,28 +236,8 @@ AttributeStatus ParseDouble(std::string_view text, double& value) {
 }
 
 AttributeStatus ParseDoubleTerminated(const char* text, double& value) {
-    // Most values are short decimals, read here: at most 15 digits make an exact integer, and dividing it by
-    // a power of ten that doubles hold exactly rounds once, correctly. Anything else goes to from_chars.
-    constexpr int kMaxDigits = 15;
-    const char* p = text;
-    const bool negative = *p == '-';
-    p += negative;
-    uint64_t mantissa = 0;
-    int digits = 0;
-    for (; static_cast<unsigned>(*p - '0') < 10 && digits <= kMaxDigits; ++p, ++digits)
-        mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
-    int places = 0;
-    if (digits > 0 && *p == '.') {
-        ++p;
-        for (; static_cast<unsigned>(*p - '0') < 10 && digits + places <= kMaxDigits; ++p, ++places)
-            mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
-        if (places == 0) digits = 0;  // "1." goes the long way
-    }
-    if (*p != '\0' || digits == 0 || digits + places > kMaxDigits)
-        return ParseDouble(std::string_view(text), value);
-    const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[places];
-    value = negative ? -magnitude : magnitude;
-    return AttributeStatus::Ok;
+    if (ReadShortDecimal(text, nullptr, value)) return AttributeStatus::Ok;
+    return ParseDouble(std::string_view(text), value);
 }
 
 AttributeStatus ParseBool(std::string_view text, bool& value) {

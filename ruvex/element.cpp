@@ -55,8 +55,9 @@ thread_local LoadFrame* t_loadFrame = nullptr;
 
 // The bit of a single-child slot in the load frame of `self`; 0 for lists, or outside a load of `self`.
 uint64_t SlotBit(const Element& self, const ChildField& field) {
+    if (field.kind != ChildKind::Single) return 0;  // before the thread-local, which costs a call here
     const LoadFrame* frame = t_loadFrame;
-    if (field.kind != ChildKind::Single || !frame || frame->self != &self) return 0;
+    if (!frame || frame->self != &self) return 0;
     const auto index = static_cast<size_t>(&field - self.GetSchema().children.data());
     return index < 64 ? uint64_t(1) << index : 0;
 }
@@ -64,25 +65,54 @@ uint64_t SlotBit(const Element& self, const ChildField& field) {
 // True when a child of the current load of `self` already went into this single slot: a second one would
 // replace the first and lose it.
 bool SlotTaken(const Element& self, const ChildField& field) {
-    return (t_loadFrame && (t_loadFrame->filled & SlotBit(self, field)) != 0);
+    const uint64_t bit = SlotBit(self, field);
+    return bit != 0 && (t_loadFrame->filled & bit) != 0;
 }
 
 // Creates, loads and stores one child of a declared list. False when the object could not be made, did not
 // load, or is not of the list's type: the caller then keeps the child verbatim.
-bool LoadItem(Element& self, const ChildField& field, IDOMElement* child, IDOMParser* parser) {
-    thread_local std::string tag;
-    tag.assign(child->GetTagName());
-    CountedPtr<Element> object(CreateElement(tag));
+// With no factory installed, the field knows the data class of its tag (field.tags[tagIndex]): what the base
+// factory would create, without a lookup.
+Element* CreateItem(const ChildField& field, size_t tagIndex, std::string_view tag) {
+    if (!GetFactory())
+        return field.creators[tagIndex] ? field.creators[tagIndex]() : new GenericElement(std::string(tag));
+    thread_local std::string name;
+    name.assign(tag);
+    return CreateElement(name);
+}
+
+// Elements from `child` on among its siblings: room for the list's items that likely follow (0 when the DOM
+// is not pugixml's).
+size_t ElementsFrom(IDOMElement* child) {
+    if (typeid(*child) != typeid(detail::PugiNode)) return 0;
+    size_t count = 0;
+    for (pugi::xml_node n = static_cast<detail::PugiNode*>(child)->node(); n; n = n.next_sibling())
+        count += n.type() == pugi::node_element;
+    return count;
+}
+
+bool LoadItem(Element& self, const ChildField& field, size_t tagIndex, IDOMElement* child,
+              std::string_view tag, IDOMParser* parser) {
+    CountedPtr<Element> object(CreateItem(field, tagIndex, tag));
     if (!object || !object->LoadFromXMLElement(child, parser)) return false;
+    // A list that starts gets room for its siblings at once, rather than growing item by item.
+    if (field.reserve && field.size(self) == 0) field.reserve(self, ElementsFrom(child));
     if (!field.accept(self, object.Get())) return false;
     if (const uint64_t bit = SlotBit(self, field)) t_loadFrame->filled |= bit;
     return true;
 }
 
-// The next item field after `field` that takes `tag`, or null.
-const ChildField* NextItem(const Schema& schema, const ChildField* field, std::string_view tag) {
-    for (const ChildField* end = schema.children.data() + schema.children.size(); ++field != end;)
-        if (field->container.empty() && field->Accepts(tag)) return field;
+// The next item field after `field` that takes `tag` (at `tagIndex` among its tags), or null.
+const ChildField* NextItem(const Schema& schema, const ChildField* field, std::string_view tag,
+                           size_t& tagIndex) {
+    for (const ChildField* end = schema.children.data() + schema.children.size(); ++field != end;) {
+        if (!field->container.empty()) continue;
+        for (size_t i = 0; i < field->tags.size(); ++i)
+            if (field->tags[i] == tag) {
+                tagIndex = i;
+                return field;
+            }
+    }
     return nullptr;
 }
 
@@ -227,14 +257,20 @@ void Element::LoadChildren(IDOMElement* element, IDOMParser* parser) {
         IDOMParser* parser;
         uint32_t taken;
     } context{this, parser, 0};
+    // Only a class with single slots needs its frame (the thread-local costs a call each way).
     struct Frame {
         LoadFrame frame;
-        LoadFrame* outer;
-        explicit Frame(const Element* self) : frame{self, 0}, outer(std::exchange(t_loadFrame, &frame)) {}
-        ~Frame() { t_loadFrame = outer; }
+        LoadFrame* outer = nullptr;
+        bool pushed;
+        Frame(const Element* self, bool needed) : frame{self, 0}, pushed(needed) {
+            if (pushed) outer = std::exchange(t_loadFrame, &frame);
+        }
+        ~Frame() {
+            if (pushed) t_loadFrame = outer;
+        }
         Frame(const Frame&) = delete;
         Frame& operator=(const Frame&) = delete;
-    } frame(this);
+    } frame(this, m_schema->hasSingleChildren);
     detail::ForEachNode(element, &context, [](void* opaque, IDOMElement* node) {
         auto& c = *static_cast<Context*>(opaque);
         NodeKind kind = node->GetNodeKind();
@@ -255,12 +291,13 @@ void Element::PreserveChild(IDOMElement* child, IDOMParser* parser, uint32_t anc
 bool Element::LoadChild(IDOMElement* child, IDOMParser* parser) {
     if (!child || !parser) return false;
     std::string_view tag = child->GetTagName();
-    if (const ChildField* field = m_schema->FindItem(tag)) {
+    size_t tagIndex = 0;
+    if (const ChildField* field = m_schema->FindItem(tag, tagIndex)) {
         // A single slot filled earlier in this load passes the child on to the next slot that takes its tag;
         // with none left, the child is kept as read.
         while (field && SlotTaken(*this, *field))
-            field = NextItem(*m_schema, field, tag);
-        return field && LoadItem(*this, *field, child, parser);
+            field = NextItem(*m_schema, field, tag, tagIndex);
+        return field && LoadItem(*this, *field, tagIndex, child, tag, parser);
     }
     const ChildField* field = m_schema->FindContainer(tag);
     if (!field) return false;
@@ -284,10 +321,14 @@ bool Element::LoadChild(IDOMElement* child, IDOMParser* parser) {
         auto& c = *static_cast<Context*>(opaque);
         NodeKind kind = node->GetNodeKind();
         if (kind == NodeKind::Other) return;
-        if (kind == NodeKind::Element && c.field->Accepts(node->GetTagName()) &&
-            LoadItem(*c.self, *c.field, node, c.parser)) {
-            ++c.taken;
-            return;
+        if (kind == NodeKind::Element) {
+            const std::string_view tag = node->GetTagName();
+            for (size_t i = 0; i < c.field->tags.size(); ++i)
+                if (c.field->tags[i] == tag) {
+                    if (!LoadItem(*c.self, *c.field, i, node, tag, c.parser)) break;
+                    ++c.taken;
+                    return;
+                }
         }
         c.Kept().nodes.push_back(CopyNode(node, c.parser, c.taken));
     });

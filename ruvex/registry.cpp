@@ -215,4 +215,22 @@ const std::vector<DataClassInfo>& DataClasses() {
     return classes;
 }
 
+namespace detail {
+
+std::vector<Element* (*)()> DataClassCreators(const std::vector<std::string_view>& tags) {
+    std::vector<Element* (*)()> creators;
+    for (std::string_view tag : tags) {
+        Element* (*create)() = nullptr;
+        for (const DataClassInfo& info : DataClasses())
+            if (info.tag == tag) {
+                create = info.create;
+                break;
+            }
+        creators.push_back(create);
+    }
+    return creators;
+}
+
+}  // namespace detail
+
 }  // namespace Ruvex

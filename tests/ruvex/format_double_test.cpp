@@ -9,6 +9,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -90,16 +91,26 @@ TEST(FormatDouble, SameTextAsToChars) {
     }
 }
 
-TEST(ParseDouble, TerminatedTextReadsAsTheView) {
-    // Text read straight from a parser's buffer gives what the measured text gives: same status, same bits.
+TEST(ParseDouble, SameValueAsFromChars) {
+    // Whole text, an optional '+', finite: what from_chars makes of it, read from a view or from a parser's
+    // buffer (ending at a NUL); same status, same bits.
     auto expectSame = [](const std::string& text) {
+        std::string_view rest = text;
+        if (!rest.empty() && rest.front() == '+') rest.remove_prefix(1);
+        double reference = 0;
+        auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), reference);
+        const bool valid = !rest.empty() && error == std::errc() && end == rest.data() + rest.size() &&
+                           std::isfinite(reference);
+        const Ruvex::AttributeStatus expected =
+            valid ? Ruvex::AttributeStatus::Ok : Ruvex::AttributeStatus::Malformed;
         double fromView = 1.25;
         double fromTerminated = 1.25;
-        const Ruvex::AttributeStatus view = Ruvex::detail::ParseDouble(text, fromView);
-        const Ruvex::AttributeStatus terminated =
-            Ruvex::detail::ParseDoubleTerminated(text.c_str(), fromTerminated);
-        ASSERT_EQ(terminated, view) << '"' << text << '"';
-        ASSERT_EQ(std::memcmp(&fromView, &fromTerminated, sizeof(double)), 0) << '"' << text << '"';
+        ASSERT_EQ(Ruvex::detail::ParseDouble(text, fromView), expected) << '"' << text << '"';
+        ASSERT_EQ(Ruvex::detail::ParseDoubleTerminated(text.c_str(), fromTerminated), expected)
+            << '"' << text << '"';
+        if (!valid) reference = 1.25;  // left as it was
+        ASSERT_EQ(std::memcmp(&fromView, &reference, sizeof(double)), 0) << '"' << text << '"';
+        ASSERT_EQ(std::memcmp(&fromTerminated, &reference, sizeof(double)), 0) << '"' << text << '"';
     };
     for (const char* text : {"0",
                              "-0",

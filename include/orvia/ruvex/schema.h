@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <typeinfo>
 #include <vector>
 
 namespace Ruvex {
@@ -51,6 +52,12 @@ struct ChildField {
     bool (*accept)(Element& object, Element* child);
     // Calls `visit` for each stored child, in order.
     void (*forEach)(const Element& object, void* context, void (*visit)(void* context, Element* child));
+    // The data class registered for each tag (null when none is), which a load with no factory installed
+    // creates without looking the tag up.
+    std::vector<Element* (*)()> creators;
+    // Lists only (null for a single slot): the number of items, and room made for `count` of them.
+    size_t (*size)(const Element& object) = nullptr;
+    void (*reserve)(Element& object, size_t count) = nullptr;
 
     bool Accepts(std::string_view tag) const {
         for (std::string_view t : tags)
@@ -68,6 +75,8 @@ struct Schema {
     // No two attributes share a file name (a table that repeats one writes its last value in the first
     // place).
     bool distinctAttributeNames = true;
+    // Some child is a single slot (CHILD row): loads then track which slots are filled.
+    bool hasSingleChildren = false;
 
     // `hint` is the index after the previous match: attributes usually come in table order.
     const AttributeField* FindAttribute(std::string_view name, size_t& hint) const {
@@ -100,8 +109,19 @@ struct Schema {
         return nullptr;
     }
     const ChildField* FindItem(std::string_view tag) const {
-        for (const ChildField& c : children)
-            if (c.container.empty() && c.Accepts(tag)) return &c;
+        size_t tagIndex = 0;
+        return FindItem(tag, tagIndex);
+    }
+    // The same, with the position of the tag among the field's tags.
+    const ChildField* FindItem(std::string_view tag, size_t& tagIndex) const {
+        for (const ChildField& c : children) {
+            if (!c.container.empty()) continue;
+            for (size_t i = 0; i < c.tags.size(); ++i)
+                if (c.tags[i] == tag) {
+                    tagIndex = i;
+                    return &c;
+                }
+        }
         return nullptr;
     }
     const ChildField* FindContainer(std::string_view tag) const {
@@ -317,7 +337,8 @@ struct SingleOps {
     using Class = typename MemberTraits<decltype(Member)>::Class;
     using Item = typename PointerTraits<typename MemberTraits<decltype(Member)>::Type>::Type;
     static bool Accept(Element& object, Element* child) {
-        Item* item = dynamic_cast<Item*>(child);
+        // The exact type needs no search of the hierarchy.
+        Item* item = typeid(*child) == typeid(Item) ? static_cast<Item*>(child) : dynamic_cast<Item*>(child);
         if (!item) return false;
         static_cast<Class&>(object).*Member = item;
         return true;
@@ -333,7 +354,8 @@ struct ListOps {
     using Container = typename MemberTraits<decltype(Member)>::Type;
     using Item = typename PointerTraits<std::decay_t<decltype(std::declval<Container>()[0])>>::Type;
     static bool Accept(Element& object, Element* child) {
-        Item* item = dynamic_cast<Item*>(child);
+        // The exact type needs no search of the hierarchy.
+        Item* item = typeid(*child) == typeid(Item) ? static_cast<Item*>(child) : dynamic_cast<Item*>(child);
         if (!item) return false;
         (static_cast<Class&>(object).*Member).push_back(CountedPtr<Item>(item));
         return true;
@@ -342,9 +364,15 @@ struct ListOps {
         for (const auto& item : static_cast<const Class&>(object).*Member)
             if (item) visit(context, item.Get());
     }
+    static size_t Size(const Element& object) { return (static_cast<const Class&>(object).*Member).size(); }
+    static void Reserve(Element& object, size_t count) {
+        (static_cast<Class&>(object).*Member).reserve(count);
+    }
 };
 
 std::vector<std::string_view> SplitTags(std::string_view tags);
+// The creator of the data class registered for each tag, null where none is.
+std::vector<Element* (*)()> DataClassCreators(const std::vector<std::string_view>& tags);
 
 }  // namespace detail
 
@@ -380,16 +408,26 @@ public:
     template <auto Member>
     SchemaBuilder& Single(std::string_view member, std::string_view tags, std::string_view typeName) {
         using Ops = detail::SingleOps<Member>;
-        m_schema.children.push_back(
-            {ChildKind::Single, member, {}, detail::SplitTags(tags), typeName, &Ops::Accept, &Ops::ForEach});
+        std::vector<std::string_view> split = detail::SplitTags(tags);
+        std::vector<Element* (*)()> creators = detail::DataClassCreators(split);
+        m_schema.children.push_back({ChildKind::Single,
+                                     member,
+                                     {},
+                                     std::move(split),
+                                     typeName,
+                                     &Ops::Accept,
+                                     &Ops::ForEach,
+                                     std::move(creators)});
         return *this;
     }
     template <auto Member>
     SchemaBuilder& List(std::string_view member, std::string_view container, std::string_view tags,
                         std::string_view typeName, ChildKind kind) {
         using Ops = detail::ListOps<Member>;
-        m_schema.children.push_back(
-            {kind, member, container, detail::SplitTags(tags), typeName, &Ops::Accept, &Ops::ForEach});
+        std::vector<std::string_view> split = detail::SplitTags(tags);
+        std::vector<Element* (*)()> creators = detail::DataClassCreators(split);
+        m_schema.children.push_back({kind, member, container, std::move(split), typeName, &Ops::Accept,
+                                     &Ops::ForEach, std::move(creators), &Ops::Size, &Ops::Reserve});
         return *this;
     }
 
@@ -398,6 +436,8 @@ public:
             for (size_t j = 0; j < i; ++j)
                 if (m_schema.attributes[i].name == m_schema.attributes[j].name)
                     m_schema.distinctAttributeNames = false;
+        for (const ChildField& child : m_schema.children)
+            if (child.kind == ChildKind::Single) m_schema.hasSingleChildren = true;
         return std::move(m_schema);
     }
 
