@@ -365,25 +365,20 @@ size_t& BuildDepth() {
 }
 
 pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth) {
-    size_t depth = 1;
-    pugi::xml_node n = top.first_child();
-    while (n) {
-        if (n.type() == pugi::node_element) {
-            if (depth > maxDepth) return n;
-            if (pugi::xml_node child = n.first_child()) {
-                n = child;
-                ++depth;
-                continue;
-            }
+    // pugixml walks the tree itself, without recursion: one call per node here instead of a few into it.
+    struct Walker : pugi::xml_tree_walker {
+        size_t maxDepth = 0;
+        pugi::xml_node found;
+        bool for_each(pugi::xml_node& node) override {
+            // depth() is 0 for the children of `top`, which are level 1.
+            if (static_cast<size_t>(depth()) < maxDepth || node.type() != pugi::node_element) return true;
+            found = node;
+            return false;
         }
-        while (!n.next_sibling()) {
-            n = n.parent();
-            if (n == top) return {};
-            --depth;
-        }
-        n = n.next_sibling();
-    }
-    return {};
+    } walker;
+    walker.maxDepth = maxDepth;
+    top.traverse(walker);
+    return walker.found;
 }
 
 void ForEachNode(IDOMElement* element, void* context, void (*visit)(void*, IDOMElement*)) {
