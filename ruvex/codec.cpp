@@ -252,8 +252,13 @@ AttributeStatus ParseBool(std::string_view text, bool& value) {
     return AttributeStatus::Malformed;
 }
 
-AttributeStatus ParseNumberList(std::string_view text, std::vector<double>& values) {
-    std::vector<double> parsed;
+namespace {
+
+// The numbers of a list, in a scratch list of the thread's that keeps its room: the result is then allocated
+// once, at its size.
+const std::vector<double>* ParseNumbers(std::string_view text) {
+    thread_local std::vector<double> parsed;
+    parsed.clear();
     size_t i = 0;
     auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; };
     while (true) {
@@ -264,11 +269,27 @@ AttributeStatus ParseNumberList(std::string_view text, std::vector<double>& valu
         while (i < text.size() && !blank(text[i]))
             ++i;
         double value = 0;
-        if (ParseDouble(text.substr(start, i - start), value) != AttributeStatus::Ok)
-            return AttributeStatus::Malformed;
+        if (ParseDouble(text.substr(start, i - start), value) != AttributeStatus::Ok) return nullptr;
         parsed.push_back(value);
     }
-    values = std::move(parsed);
+    return &parsed;
+}
+
+}  // namespace
+
+AttributeStatus ParseNumberList(std::string_view text, std::vector<double>& values) {
+    const std::vector<double>* parsed = ParseNumbers(text);
+    if (!parsed) return AttributeStatus::Malformed;
+    values.assign(parsed->begin(), parsed->end());
+    return AttributeStatus::Ok;
+}
+
+AttributeStatus ParsePointList(std::string_view text, std::vector<vek::Vector2>& points) {
+    const std::vector<double>* parsed = ParseNumbers(text);
+    if (!parsed || parsed->size() % 2 != 0) return AttributeStatus::Malformed;
+    points.resize(parsed->size() / 2);
+    for (size_t i = 0; i < points.size(); ++i)
+        points[i] = vek::Vector2((*parsed)[2 * i], (*parsed)[2 * i + 1]);
     return AttributeStatus::Ok;
 }
 

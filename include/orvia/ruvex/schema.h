@@ -12,6 +12,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -98,10 +99,8 @@ struct Schema {
             size_t i = hint + k;
             if (i >= n) i -= n;
             const std::string_view candidate = attributes[i].name;
-            size_t c = 0;
-            while (c < candidate.size() && name[c] == candidate[c])
-                ++c;
-            if (c == candidate.size() && name[c] == '\0') {
+            if (name[0] == candidate[0] && std::strncmp(name, candidate.data(), candidate.size()) == 0 &&
+                name[candidate.size()] == '\0') {
                 hint = i + 1;
                 return &attributes[i];
             }
@@ -241,6 +240,8 @@ struct Codec<T, std::enable_if_t<std::is_enum_v<T>>> {
 
 // Lists of numbers and of points sit in one attribute, whitespace separated ("x0 y0 x1 y1 ...").
 AttributeStatus ParseNumberList(std::string_view text, std::vector<double>& values);
+// The same in pairs; malformed when the count is odd.
+AttributeStatus ParsePointList(std::string_view text, std::vector<vek::Vector2>& points);
 std::string_view FormatNumberList(const double* values, size_t count, FormatBuffer& buffer);
 
 template <>
@@ -258,13 +259,7 @@ template <>
 struct Codec<std::vector<vek::Vector2>> {
     static constexpr std::string_view kType = "list of points (x y pairs)";
     static AttributeStatus Read(std::string_view text, std::vector<vek::Vector2>& value) {
-        std::vector<double> numbers;
-        if (ParseNumberList(text, numbers) != AttributeStatus::Ok || numbers.size() % 2 != 0)
-            return AttributeStatus::Malformed;
-        value.resize(numbers.size() / 2);
-        for (size_t i = 0; i < value.size(); ++i)
-            value[i] = vek::Vector2(numbers[2 * i], numbers[2 * i + 1]);
-        return AttributeStatus::Ok;
+        return ParsePointList(text, value);
     }
     static std::string_view Format(const std::vector<vek::Vector2>& value, FormatBuffer& buffer) {
         static_assert(sizeof(vek::Vector2) == 2 * sizeof(double));
