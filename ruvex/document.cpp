@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 namespace Ruvex {
@@ -32,29 +33,6 @@ const std::string kRevisionAttribute = "versionRevision";
 std::vector<Problem>& LastProblems() {
     thread_local std::vector<Problem> problems;
     return problems;
-}
-
-// Reads straight into the string when the size is known: a large document is then copied once, with no
-// stream buffer in between. A file that grows meanwhile is read to its end all the same.
-bool ReadFile(const char* path, std::string& text) {
-    std::FILE* in = std::fopen(path, "rb");
-    if (!in) return false;
-    std::string content;
-    if (std::fseek(in, 0, SEEK_END) == 0) {
-        const long size = std::ftell(in);
-        if (size > 0) content.resize(static_cast<size_t>(size));
-        std::rewind(in);
-    }
-    size_t filled = content.empty() ? 0 : std::fread(content.data(), 1, content.size(), in);
-    content.resize(filled);
-    char chunk[1 << 16];
-    for (size_t n; (n = std::fread(chunk, 1, sizeof chunk, in)) > 0;)
-        content.append(chunk, n);
-    const bool ok = !std::ferror(in);
-    std::fclose(in);
-    if (!ok) return false;
-    text = std::move(content);
-    return true;
 }
 
 // "2.4" or "2.4.3"; the revision attribute, when present, gives the third number.
@@ -273,15 +251,21 @@ Element* Load(const char* pathOrText, bool fromMemory) {
         problems.push_back(Problem{"", 0, 0, "no document given"});
         return nullptr;
     }
-    std::string text;
+    detail::ParseBuffer text;
+    detail::TextOrigin origin;
     if (fromMemory) {
-        text.assign(pathOrText);
-    } else if (!ReadFile(pathOrText, text)) {
+        text.size = std::strlen(pathOrText);
+        text.data = std::make_unique_for_overwrite<char[]>(text.size + 1);
+        std::memcpy(text.data.get(), pathOrText, text.size + 1);
+        origin.text = pathOrText;
+    } else if (detail::ReadDocumentFile(pathOrText, text)) {
+        origin.path = pathOrText;
+    } else {
         problems.push_back(Problem{pathOrText, 0, 0, "cannot read the file"});
         return nullptr;
     }
     detail::PugiDocument document(fromMemory ? std::string("buffer") : std::string(pathOrText));
-    if (!document.Parse(std::move(text))) {
+    if (!document.Parse(std::move(text), origin)) {
         problems = document.problems();
         return nullptr;
     }

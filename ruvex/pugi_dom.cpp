@@ -3,6 +3,7 @@
 #include <orvia/ruvex/schema.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -264,19 +265,67 @@ void PugiDocument::ReportAt(ptrdiff_t offset, std::string message) {
     m_problems.push_back(Problem{m_fileName, line, column, std::move(message)});
 }
 
-bool PugiDocument::Parse(std::string text) {
-    m_text = std::move(text);
-    // Line starts are taken before parsing: pugixml parses in place and overwrites some characters.
-    m_lineStarts.clear();
-    m_lineStarts.push_back(0);
-    for (const char* p = m_text.data();
-         (p = static_cast<const char*>(
-              std::memchr(p, '\n', static_cast<size_t>(m_text.data() + m_text.size() - p)))) != nullptr;
+namespace {
+
+// Offsets where lines start in `text`.
+std::vector<size_t> LineStarts(const char* text, size_t size) {
+    std::vector<size_t> starts{0};
+    for (const char* p = text;
+         (p = static_cast<const char*>(std::memchr(p, '\n', static_cast<size_t>(text + size - p)))) !=
+         nullptr;
          ++p)
-        m_lineStarts.push_back(static_cast<size_t>(p - m_text.data()) + 1);
+        starts.push_back(static_cast<size_t>(p - text) + 1);
+    return starts;
+}
+
+}  // namespace
+
+bool ReadDocumentFile(const char* path, ParseBuffer& buffer) {
+    std::FILE* in = std::fopen(path, "rb");
+    if (!in) return false;
+    size_t size = 0;
+    if (std::fseek(in, 0, SEEK_END) == 0) {
+        const long end = std::ftell(in);
+        if (end > 0) size = static_cast<size_t>(end);
+        std::rewind(in);
+    }
+    auto data = std::make_unique_for_overwrite<char[]>(size + 1);
+    size_t filled = size ? std::fread(data.get(), 1, size, in) : 0;
+    std::string more;
+    char chunk[1 << 16];
+    for (size_t n; (n = std::fread(chunk, 1, sizeof chunk, in)) > 0;)
+        more.append(chunk, n);
+    const bool ok = !std::ferror(in);
+    std::fclose(in);
+    if (!ok) return false;
+    if (!more.empty()) {
+        auto grown = std::make_unique_for_overwrite<char[]>(filled + more.size() + 1);
+        std::memcpy(grown.get(), data.get(), filled);
+        std::memcpy(grown.get() + filled, more.data(), more.size());
+        data = std::move(grown);
+        filled += more.size();
+    }
+    data[filled] = '\0';
+    buffer = ParseBuffer{std::move(data), filled};
+    return true;
+}
+
+bool PugiDocument::Parse(std::string text) {
+    ParseBuffer buffer{std::make_unique_for_overwrite<char[]>(text.size() + 1), text.size()};
+    std::memcpy(buffer.data.get(), text.c_str(), text.size() + 1);
+    return Parse(std::move(buffer), TextOrigin{});
+}
+
+bool PugiDocument::Parse(ParseBuffer buffer, TextOrigin origin) {
+    m_text = std::move(buffer);
+    m_origin = origin;
+    // Without an origin, lines are counted before parsing: pugixml parses in place and overwrites some
+    // characters.
+    m_lineStarts.clear();
+    if (!m_origin.text && !m_origin.path) m_lineStarts = LineStarts(m_text.data.get(), m_text.size);
 
     pugi::xml_encoding encoding = pugi::encoding_auto;
-    std::string_view head(m_text.data(), std::min<size_t>(m_text.size(), 200));
+    std::string_view head(m_text.data.get(), std::min<size_t>(m_text.size, 200));
     if (head.substr(0, 5) == "<?xml") {
         std::string lowered(head.substr(0, head.find("?>")));
         std::transform(lowered.begin(), lowered.end(), lowered.begin(),
@@ -288,7 +337,7 @@ bool PugiDocument::Parse(std::string text) {
         }
     }
     pugi::xml_parse_result result =
-        m_doc.load_buffer_inplace(m_text.data(), m_text.size(), pugi::parse_full, encoding);
+        m_doc.load_buffer_inplace(m_text.data.get(), m_text.size, pugi::parse_full, encoding);
     if (!result) {
         ReportAt(result.offset, std::string("the document is not well-formed XML: ") + result.description());
         return false;
@@ -297,7 +346,18 @@ bool PugiDocument::Parse(std::string text) {
 }
 
 std::pair<size_t, size_t> PugiDocument::LineColumn(ptrdiff_t offset) const {
-    if (offset < 0 || m_lineStarts.empty()) return {0, 0};
+    if (offset < 0) return {0, 0};
+    if (m_lineStarts.empty()) {
+        // Counted from where the text came from; a file that changed since is no help.
+        if (m_origin.text) {
+            m_lineStarts = LineStarts(m_origin.text, m_text.size);
+        } else if (m_origin.path) {
+            ParseBuffer again;
+            if (ReadDocumentFile(m_origin.path, again) && again.size == m_text.size)
+                m_lineStarts = LineStarts(again.data.get(), again.size);
+        }
+        if (m_lineStarts.empty()) return {0, 0};
+    }
     auto u = static_cast<size_t>(offset);
     auto it = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), u);
     size_t line = static_cast<size_t>(it - m_lineStarts.begin());

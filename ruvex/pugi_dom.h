@@ -8,6 +8,7 @@
 #include <pugixml.hpp>
 
 #include <deque>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,6 +16,24 @@
 namespace Ruvex::detail {
 
 class PugiDocument;
+
+// Text for pugixml to parse in place: `size` bytes and a NUL after them.
+struct ParseBuffer {
+    std::unique_ptr<char[]> data;
+    size_t size = 0;
+};
+
+// Where a parsed text came from. Line numbers are then counted from there, and only when a problem needs one:
+// the original text (valid while the document is in use, `size` bytes like the buffer), or else the file,
+// read again.
+struct TextOrigin {
+    const char* text = nullptr;
+    const char* path = nullptr;
+};
+
+// The whole file, read straight into a buffer (not filled with zeros first); false when it cannot be read. A
+// file that grows meanwhile is read to its end all the same.
+bool ReadDocumentFile(const char* path, ParseBuffer& buffer);
 
 // Nesting level of the element being built on this thread (the "Ruvex" root is level 1). It bounds the
 // recursion of saving a tree made in memory, which no bound on reading protects.
@@ -87,8 +106,11 @@ public:
     void ReportWarning(const IDOMElement* where, std::string message) override;
     bool HasErrors() const;
 
-    // Reading. `text` is kept (pugixml parses it in place). False when it is not well-formed.
+    // Reading. `text` is kept (pugixml parses it in place). False when it is not well-formed. Lines are
+    // counted first.
     bool Parse(std::string text);
+    // The same for a buffer that came from `origin`, where lines are counted if a problem needs them.
+    bool Parse(ParseBuffer buffer, TextOrigin origin);
     void SetVersion(uint32_t version) { m_version = version; }
     PugiNode* Wrap(pugi::xml_node node);
     std::pair<size_t, size_t> LineColumn(ptrdiff_t offset) const;
@@ -109,8 +131,9 @@ public:
 
 private:
     std::string m_fileName;
-    std::string m_text;
-    mutable std::vector<size_t> m_lineStarts;
+    ParseBuffer m_text;
+    TextOrigin m_origin;
+    mutable std::vector<size_t> m_lineStarts;  // empty until counted
     pugi::xml_document m_doc;
     pugi::xml_node m_scratch;
     uint32_t m_version;
