@@ -185,24 +185,26 @@ std::string_view FormatFixedDecimal(double value, char* out) {
 
 // Most values are short decimals ([-]digits[.digits], at most 15 digits), read here: the digits make an exact
 // integer, and dividing it by a power of ten that doubles hold exactly rounds once, correctly. False for
-// anything else, which from_chars reads. The text is [p, end), or ends at a NUL when `end` is null.
+// anything else, which from_chars reads. The text ends at a NUL (Terminated) or at `end`.
+template <bool Terminated>
 bool ReadShortDecimal(const char* p, const char* end, double& value) {
     constexpr int kMaxDigits = 15;
-    auto digit = [&](const char* at) { return at != end && static_cast<unsigned>(*at - '0') < 10; };
-    const bool negative = p != end && *p == '-';
+    auto more = [&](const char* at) { return Terminated || at != end; };
+    auto digit = [&](const char* at) { return more(at) && static_cast<unsigned>(*at - '0') < 10; };
+    const bool negative = more(p) && *p == '-';
     p += negative;
     uint64_t mantissa = 0;
     int digits = 0;
     for (; digit(p) && digits <= kMaxDigits; ++p, ++digits)
         mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
     int places = 0;
-    if (digits > 0 && p != end && *p == '.') {
+    if (digits > 0 && more(p) && *p == '.') {
         ++p;
         for (; digit(p) && digits + places <= kMaxDigits; ++p, ++places)
             mantissa = 10 * mantissa + static_cast<unsigned>(*p - '0');
         if (places == 0) return false;  // "1." goes the long way
     }
-    const bool atEnd = end ? p == end : *p == '\0';
+    const bool atEnd = Terminated ? *p == '\0' : p == end;
     if (!atEnd || digits == 0 || digits + places > kMaxDigits) return false;
     const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[places];
     value = negative ? -magnitude : magnitude;
@@ -224,7 +226,7 @@ std::string_view FormatDouble(double value, FormatBuffer& buffer) {
 }
 
 AttributeStatus ParseDouble(std::string_view text, double& value) {
-    if (ReadShortDecimal(text.data(), text.data() + text.size(), value)) return AttributeStatus::Ok;
+    if (ReadShortDecimal<false>(text.data(), text.data() + text.size(), value)) return AttributeStatus::Ok;
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
     if (text.empty()) return AttributeStatus::Malformed;
     double parsed = 0;
@@ -236,7 +238,7 @@ AttributeStatus ParseDouble(std::string_view text, double& value) {
 }
 
 AttributeStatus ParseDoubleTerminated(const char* text, double& value) {
-    if (ReadShortDecimal(text, nullptr, value)) return AttributeStatus::Ok;
+    if (ReadShortDecimal<true>(text, nullptr, value)) return AttributeStatus::Ok;
     return ParseDouble(std::string_view(text), value);
 }
 

@@ -92,8 +92,8 @@ size_t ElementsFrom(IDOMElement* child) {
 }
 
 bool LoadItem(Element& self, const ChildField& field, size_t tagIndex, IDOMElement* child,
-              std::string_view tag, IDOMParser* parser) {
-    CountedPtr<Element> object(CreateItem(field, tagIndex, tag));
+              IDOMParser* parser) {
+    CountedPtr<Element> object(CreateItem(field, tagIndex, field.tags[tagIndex]));
     if (!object || !object->LoadFromXMLElement(child, parser)) return false;
     // A list that starts gets room for its siblings at once, rather than growing item by item.
     if (field.reserve && field.size(self) == 0) field.reserve(self, ElementsFrom(child));
@@ -290,14 +290,14 @@ void Element::PreserveChild(IDOMElement* child, IDOMParser* parser, uint32_t anc
 
 bool Element::LoadChild(IDOMElement* child, IDOMParser* parser) {
     if (!child || !parser) return false;
-    std::string_view tag = child->GetTagName();
+    const std::string_view tag = child->GetTagName();
     size_t tagIndex = 0;
-    if (const ChildField* field = m_schema->FindItem(tag, tagIndex)) {
+    if (const ChildField* item = m_schema->FindItem(tag, tagIndex)) {
         // A single slot filled earlier in this load passes the child on to the next slot that takes its tag;
         // with none left, the child is kept as read.
-        while (field && SlotTaken(*this, *field))
-            field = NextItem(*m_schema, field, tag, tagIndex);
-        return field && LoadItem(*this, *field, tagIndex, child, tag, parser);
+        while (item && SlotTaken(*this, *item))
+            item = NextItem(*m_schema, item, tag, tagIndex);
+        return item && LoadItem(*this, *item, tagIndex, child, parser);
     }
     const ChildField* field = m_schema->FindContainer(tag);
     if (!field) return false;
@@ -325,7 +325,7 @@ bool Element::LoadChild(IDOMElement* child, IDOMParser* parser) {
             const std::string_view tag = node->GetTagName();
             for (size_t i = 0; i < c.field->tags.size(); ++i)
                 if (c.field->tags[i] == tag) {
-                    if (!LoadItem(*c.self, *c.field, i, node, tag, c.parser)) break;
+                    if (!LoadItem(*c.self, *c.field, i, node, c.parser)) break;
                     ++c.taken;
                     return;
                 }

@@ -94,17 +94,18 @@ struct Schema {
     }
     // The same for a name that ends at a NUL, compared without measuring it first.
     const AttributeField* FindAttributeTerminated(const char* name, size_t& hint) const {
+        auto matches = [name](std::string_view candidate) {
+            return !candidate.empty() && name[0] == candidate[0] &&
+                   std::strncmp(name, candidate.data(), candidate.size()) == 0 &&
+                   name[candidate.size()] == '\0';
+        };
         const size_t n = attributes.size();
-        for (size_t k = 0; k < n; ++k) {
-            size_t i = hint + k;
-            if (i >= n) i -= n;
-            const std::string_view candidate = attributes[i].name;
-            if (name[0] == candidate[0] && std::strncmp(name, candidate.data(), candidate.size()) == 0 &&
-                name[candidate.size()] == '\0') {
+        if (hint < n && matches(attributes[hint].name)) return &attributes[hint++];
+        for (size_t i = 0; i < n; ++i)
+            if (matches(attributes[i].name)) {
                 hint = i + 1;
                 return &attributes[i];
             }
-        }
         return nullptr;
     }
     const ChildField* FindItem(std::string_view tag) const {
