@@ -1,9 +1,10 @@
 #pragma once
 
 // The DOM that documents are saved through. Nodes, attributes and their text live in one arena owned by the
-// document (no heap block per node or per value), element names from the schemas are not copied, and the
-// serialiser writes the text straight into a string: the same bytes as pugixml writes for the same tree
-// with a two-space indent (escapes, empty-element tags, text kept inline, UTF-8 or Latin-1).
+// document (no heap block per node or per value); attribute names from the schemas and the packed content of
+// unknown elements are referred to, not copied; and the serialiser writes the text straight into a string:
+// the same bytes as pugixml writes for the same tree with a two-space indent (escapes, empty-element tags,
+// text kept inline, UTF-8 or Latin-1).
 
 #include <orvia/ruvex/element.h>
 #include <orvia/ruvex/factory.h>
