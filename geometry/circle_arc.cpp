@@ -2,15 +2,6 @@
 
 #include <cmath>
 
-vek::Vector2 CircleArcLocalPosition(double k, double r, double s) {
-    const double angle = k * s;
-    const double sine = std::sin(angle);
-    const double cosine = std::cos(angle);
-    // 1 - cos = sin^2 / (1 + cos) where cos > 0, which has no cancellation; elsewhere the difference is safe.
-    const double versine = cosine > 0 ? sine * sine / (1 + cosine) : 1 - cosine;
-    return {r * sine, r * versine};
-}
-
 CircleArc::CircleArc() {
     DataChanged();
 }
@@ -80,10 +71,6 @@ bool CircleArc::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParse
 void CircleArc::DataChanged() {
     m_radius = std::fabs(m_Curvature) < kMinCurvature ? kZeroCurvatureRadius : 1 / m_Curvature;
     ParametricFunction::DataChanged();
-}
-
-PointData CircleArc::GetLocalPointData(double s) const {
-    return PointData(CircleArcLocalPosition(m_Curvature, m_radius, s), m_Curvature * s, m_Curvature);
 }
 
 void CircleArc::InvertLocalData() {

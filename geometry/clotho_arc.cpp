@@ -255,30 +255,53 @@ void ClothoArc::Func(double s, double& x, double& y, double& heading) const {
     heading = WrapHeading(LocalHeading(s));
 }
 
-PointData ClothoArc::GetLocalPointData(double s) const {
+void ClothoArc::LocalPositionHeading(double s, vek::Vector2& position, double& heading) const {
     switch (m_shape) {
         case Shape::Line:
-            return PointData({s, 0}, 0, 0);
-        case Shape::Clothoid: {
-            PointData pd;
+            position = {s, 0};
+            heading = 0;
+            return;
+        case Shape::Clothoid:
             if (m_useSeries) {
-                Func(s, pd.position.x, pd.position.y, pd.heading);
+                Func(s, position.x, position.y, heading);
             } else {
-                pd.position = NodePosition(s);
-                pd.heading = WrapHeading(LocalHeading(s));
+                position = NodePosition(s);
+                heading = WrapHeading(LocalHeading(s));
             }
-            pd.curvature = GetLocalCurvature(s);
-            return pd;
-        }
+            return;
         case Shape::Circle:
             break;
     }
     const double k0 = m_StartCurvature;
     // The tangent is the radius direction turned a quarter towards the travel side; with the stand-in radius
     // of a negative curvature too small to invert it points backwards.
-    double heading = k0 * s;
-    if (k0 < 0 && m_circleRadius > 0) heading += vek::kPi;
-    return PointData(CircleArcLocalPosition(k0, m_circleRadius, s), WrapHeading(heading), k0);
+    double turn = k0 * s;
+    if (k0 < 0 && m_circleRadius > 0) turn += vek::kPi;
+    position = CircleArcLocalPosition(k0, m_circleRadius, s);
+    heading = WrapHeading(turn);
+}
+
+PointData ClothoArc::GetLocalPointData(double s) const {
+    PointData pd;
+    LocalPositionHeading(s, pd.position, pd.heading);
+    if (m_shape == Shape::Clothoid)
+        pd.curvature = GetLocalCurvature(s);
+    else if (m_shape == Shape::Circle)
+        pd.curvature = m_StartCurvature;
+    return pd;
+}
+
+PointData ClothoArc::GetPointDataDirect(double s) const {
+    return PlaceLocalSample(s, ClothoArc::GetLocalPointData(s));
+}
+
+void ClothoArc::GetPositionTangent(double s, vek::Vector2& position, vek::Vector2& tangent) const {
+    vek::Vector2 local;
+    double heading = 0;
+    LocalPositionHeading(s, local, heading);
+    position = GetLocalToGlobal().apply(local);
+    // A straight piece's heading is the start orientation, whose cosine and sine are known.
+    tangent = m_shape == Shape::Line ? PlacedTangentAlongStart(s) : PlacedTangent(s, heading);
 }
 
 void ClothoArc::InvertLocalData() {

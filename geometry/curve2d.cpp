@@ -5,8 +5,13 @@
 #include <cstdint>
 #include <limits>
 
+#include <typeinfo>
+
+#include <orvia/geometry/circle_arc.h>
+#include <orvia/geometry/clotho_arc.h>
 #include <orvia/geometry/clothoid_spline.h>
 #include <orvia/geometry/polyline.h>
+#include <orvia/geometry/segment.h>
 #include <orvia/vek/math.h>
 
 namespace Orvia {
@@ -50,20 +55,38 @@ inline void OffsetSample(double t, PointData& pd) {
     }
 }
 
-// The first record reaching s when that record holds s strictly before its end: then it is the only record
-// holding s, which the bisection finds too. npos for anything else (no index, a boundary, a rounding at a
-// bucket's edge), which the bisection decides. See Curve2D::m_buckets.
+// Whether record i holds s strictly before its end and is the first to reach s: then, in an indexed table
+// (ends ascending, each start the end before), it is the only record holding s, which the bisection finds
+// too. See Curve2D::m_buckets.
+template <class Record>
+bool HoldsAlone(const std::vector<Record>& records, size_t i, double s) {
+    return s < records[i].end && (i == 0 || records[i - 1].end < s);
+}
+
+// The record HoldsAlone s found through the buckets; npos for anything else (no index, a boundary, a rounding
+// at a bucket's edge), which the bisection decides.
 template <class Record>
 size_t FindInBuckets(const std::vector<Record>& records, const std::vector<uint32_t>& buckets, double scale,
                      double s) {
     if (buckets.empty()) return Curve2D::npos;
     const size_t b = std::min(static_cast<size_t>(s * scale), buckets.size() - 2);
+    size_t i = buckets[b];
+    // A bucket meets one or two pieces on a road's alignment: step over the first without a branch.
+    i += static_cast<size_t>(records[i].end < s && i + 1 < records.size());
+    if (HoldsAlone(records, i, s)) return i;
     const auto first = records.begin() + buckets[b];
     const auto last = records.begin() + buckets[b + 1] + 1;
-    const size_t i = static_cast<size_t>(
-        std::partition_point(first, last, [s](const Record& r) { return r.end < s; }) - records.begin());
-    if (i < records.size() && s < records[i].end && (i == 0 || records[i - 1].end < s)) return i;
-    return Curve2D::npos;
+    i = static_cast<size_t>(std::partition_point(first, last, [s](const Record& r) { return r.end < s; }) -
+                            records.begin());
+    return i < records.size() && HoldsAlone(records, i, s) ? i : Curve2D::npos;
+}
+
+// s - start clamped to the record's span, by hand: a piece of negative length (a reversed segment) has its
+// bounds the wrong way round.
+template <class Record>
+double LocalAbscissa(const Record& record, double s) {
+    const double local = s - record.start, span = record.end - record.start;
+    return local < 0 ? 0 : (local > span ? span : local);
 }
 
 }  // namespace
@@ -95,7 +118,12 @@ void Curve2D::UpdateParametricFunctionVector() {
         auto* function = dynamic_cast<ParametricFunction*>(element.Get());
         if (!function) continue;
         const double end = start + function->GetLength();
-        m_records.push_back({function, start, end});
+        const std::type_info& type = typeid(*function);
+        const Kind kind = type == typeid(Segment)     ? Kind::Segment
+                          : type == typeid(CircleArc) ? Kind::CircleArc
+                          : type == typeid(ClothoArc) ? Kind::ClothoArc
+                                                      : Kind::Other;
+        m_records.push_back({function, start, end, kind});
         start = end;
     }
     IndexRecords();
@@ -232,18 +260,67 @@ void Curve2D::SetLength(double length) {
     }
 }
 
+size_t Curve2D::RecordAt(double s, size_t hint) const {
+    if (!m_buckets.empty()) {
+        if (hint < m_records.size() && HoldsAlone(m_records, hint, s)) return hint;
+        const size_t i = FindInBuckets(m_records, m_buckets, m_bucketScale, s);
+        if (i != npos) return i;
+    }
+    return GetFunctionIndexAt(s, 0, m_records.size());
+}
+
 bool Curve2D::GetPointData(double s, double t, PointData& out) const {
     if (m_records.empty()) return false;
     const double length = m_records.back().end;
     if (!(s >= 0 && s <= length)) return ComputePointDataOutside(s < 0 ? 0 : length, s, t, out);
-    size_t i = FindInBuckets(m_records, m_buckets, m_bucketScale, s);
-    if (i == npos) i = GetFunctionIndexAt(s, 0, m_records.size());
-    const Record& record = m_records[i];
-    // Clamped by hand: a piece of negative length (a reversed segment) has its bounds the wrong way round.
-    const double local = s - record.start, span = record.end - record.start;
-    out = record.function->GetPointData(local < 0 ? 0 : (local > span ? span : local));
+    const Record& record = m_records[RecordAt(s, npos)];
+    const double local = LocalAbscissa(record, s);
+    switch (record.kind) {
+        case Kind::Segment:
+            out = static_cast<const Segment*>(record.function)->GetPointDataDirect(local);
+            break;
+        case Kind::CircleArc:
+            out = static_cast<const CircleArc*>(record.function)->GetPointDataDirect(local);
+            break;
+        case Kind::ClothoArc:
+            out = static_cast<const ClothoArc*>(record.function)->GetPointDataDirect(local);
+            break;
+        case Kind::Other:
+            out = record.function->GetPointData(local);
+            break;
+    }
     OffsetSample(t, out);
     return true;
+}
+
+void Curve2D::SampleCentre(double s, size_t& hint, vek::Vector2& position, vek::Vector2& tangent) const {
+    const double length = m_records.back().end;
+    if (!(s >= 0 && s <= length)) {
+        PointData pd;
+        ComputePointDataOutside(s < 0 ? 0 : length, s, 0, pd);
+        position = pd.position;
+        tangent = pd.GetTangent();
+        return;
+    }
+    hint = RecordAt(s, hint);
+    const Record& record = m_records[hint];
+    const double local = LocalAbscissa(record, s);
+    switch (record.kind) {
+        case Kind::Segment:
+            static_cast<const Segment*>(record.function)->GetPositionTangent(local, position, tangent);
+            return;
+        case Kind::CircleArc:
+            static_cast<const CircleArc*>(record.function)->GetPositionTangent(local, position, tangent);
+            return;
+        case Kind::ClothoArc:
+            static_cast<const ClothoArc*>(record.function)->GetPositionTangent(local, position, tangent);
+            return;
+        case Kind::Other:
+            break;
+    }
+    const PointData pd = record.function->GetPointData(local);
+    position = pd.position;
+    tangent = pd.GetTangent();
 }
 
 void Curve2D::OffsetPointData(double t, PointData& pd) {
@@ -267,11 +344,13 @@ double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double t
     const double length = GetLength();
     const double ratio = length > 0 ? s0 / length : 0;
     if (!vek::contains(ratio, kStartRatioMin, kStartRatioMax)) s0 = 0;
-    PointData sample;
-    GetPointData(s0, 0, sample);
+    // Each step needs the centre line's point and tangent only.
+    size_t hint = npos;
+    vek::Vector2 position, tangent;
+    SampleCentre(s0, hint, position, tangent);
     for (;;) {
-        vek::Vector2 previous = sample.position;
-        double s1 = s0 + kNewtonDamping * (p - sample.position).dot(sample.GetTangent());
+        vek::Vector2 previous = position;
+        double s1 = s0 + kNewtonDamping * (p - position).dot(tangent);
         if (!vek::contains(s1, -length, 2 * length)) {
             // The step left the neighbourhood of the curve: start again from its start. The convergence test
             // then compares with the end sample, the last place the restart scan of the curve looks at.
@@ -280,8 +359,8 @@ double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double t
             previous = end.position;
             s1 = 0;
         }
-        GetPointData(s1, 0, sample);
-        if ((previous - sample.position).norm() < tolerance || maxIterations < 1) return s1;
+        SampleCentre(s1, hint, position, tangent);
+        if ((previous - position).norm() < tolerance || maxIterations < 1) return s1;
         s0 = s1;
         --maxIterations;
     }

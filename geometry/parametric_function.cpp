@@ -19,11 +19,7 @@ ParametricFunction::~ParametricFunction() = default;
 
 PointData ParametricFunction::GetPointData(double s) const {
     const PointData local = GetLocalPointData(s);
-    PointData global(LocalToGlobal(local.position), local.heading + m_startOrientation, local.curvature);
-    if (vek::isEqual(s, 0, kForcedOrientationWindow) &&
-        !vek::isEqual(m_forcedStartOrientation, 0, kForcedOrientationWindow))
-        global.heading = m_forcedStartOrientation;
-    return global;
+    return PointData(LocalToGlobal(local.position), PlacedHeading(s, local.heading), local.curvature);
 }
 
 vek::Vector2 ParametricFunction::GetStartPosition() const {

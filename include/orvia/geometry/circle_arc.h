@@ -1,8 +1,21 @@
 // Constant-curvature piece.
 #pragma once
 
+#include <cmath>
+
 #include <orvia/geometry/parametric_function.h>
 #include <orvia/ruvex/elements/curves.h>
+
+// Position of the arc of curvature k and signed radius r (= 1/k, or the stand-in) after s metres from the
+// origin heading +x: (r sin ks, r (1 - cos ks)) without cancellation near ks = 0.
+inline vek::Vector2 CircleArcLocalPosition(double k, double r, double s) {
+    const double angle = k * s;
+    const double sine = std::sin(angle);
+    const double cosine = std::cos(angle);
+    // 1 - cos = sin^2 / (1 + cos) where cos > 0, which has no cancellation; elsewhere the difference is safe.
+    const double versine = cosine > 0 ? sine * sine / (1 + cosine) : 1 - cosine;
+    return {r * sine, r * versine};
+}
 
 class CircleArc : public ParametricFunction, public Ruvex::CircleArcElement {
 public:
@@ -36,6 +49,16 @@ public:
     // Negates the curvature.
     void Flip() override;
 
+    // The composite curve's direct samples (no virtual call; see ParametricFunction::PlaceLocalSample): the
+    // same values as GetPointData(s), and its position with the unit tangent of its heading.
+    PointData GetPointDataDirect(double s) const {
+        return PlaceLocalSample(s, CircleArc::GetLocalPointData(s));
+    }
+    void GetPositionTangent(double s, vek::Vector2& position, vek::Vector2& tangent) const {
+        position = GetLocalToGlobal().apply(CircleArcLocalPosition(m_Curvature, m_radius, s));
+        tangent = PlacedTangent(s, m_Curvature * s);
+    }
+
     // Reads the tag, then recomputes. True for any document; false only for null arguments.
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
 
@@ -43,13 +66,11 @@ protected:
     void DataChanged() override;
     // (R sin ks, R (1 - cos ks)), heading ks, for any s; the second coordinate is computed without
     // cancellation, so an arc of curvature 1e-11 stays within 1e-9 m of the true circle over 100 m.
-    PointData GetLocalPointData(double s) const override;
+    PointData GetLocalPointData(double s) const override {
+        return PointData(CircleArcLocalPosition(m_Curvature, m_radius, s), m_Curvature * s, m_Curvature);
+    }
     void InvertLocalData() override;
 
 private:
     double m_radius = 1;  // signed; kZeroCurvatureRadius for a zero curvature
 };
-
-// Position of the arc of curvature k and signed radius r (= 1/k, or the stand-in) after s metres from the
-// origin heading +x: (r sin ks, r (1 - cos ks)) without cancellation near ks = 0.
-vek::Vector2 CircleArcLocalPosition(double k, double r, double s);

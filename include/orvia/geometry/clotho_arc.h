@@ -50,6 +50,11 @@ public:
     // Negates both curvatures.
     void Flip() override;
 
+    // The composite curve's direct samples (no virtual call; see ParametricFunction::PlaceLocalSample): the
+    // same values as GetPointData(s), and its position with the unit tangent of its heading.
+    PointData GetPointDataDirect(double s) const;
+    void GetPositionTangent(double s, vek::Vector2& position, vek::Vector2& tangent) const;
+
     // Documents older than 2.3.0 go through the legacy converter. True for any document; false only for null
     // arguments.
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
@@ -86,6 +91,8 @@ private:
 
     // Heading at s in the piece's frame, not wrapped.
     double LocalHeading(double s) const;
+    // Position and heading of GetLocalPointData(s).
+    void LocalPositionHeading(double s, vek::Vector2& position, double& heading) const;
     void BuildNodes();
     vek::Vector2 NodePosition(double s) const;
 

@@ -143,16 +143,26 @@ protected:
     static void OffsetPointData(double t, PointData& pd);
 
 private:
+    // Pieces of exactly these classes are sampled through their direct (non-virtual) samples.
+    enum class Kind : uint8_t { Other, Segment, CircleArc, ClothoArc };
+
     struct Record {
         ParametricFunction* function = nullptr;  // borrowed: the element list holds the reference
         double start = 0;
         double end = 0;
+        Kind kind = Kind::Other;
     };
 
     // Position in the element list of piece index's element; the list size beyond the count.
     size_t ElementPosition(size_t index) const;
     // Rebuilds the abscissa index of the table.
     void IndexRecords();
+    // The record GetFunctionIndexAt finds for s in [0, length] (not empty). A record index `hint` (or npos)
+    // is tried first: a projection's steps mostly stay on one piece.
+    size_t RecordAt(double s, size_t hint) const;
+    // GetPointData(s, 0)'s position and the unit tangent (cos, sin) of its heading, on a curve with pieces;
+    // hint as RecordAt's, updated to the record sampled.
+    void SampleCentre(double s, size_t& hint, vek::Vector2& position, vek::Vector2& tangent) const;
 
     std::vector<Record> m_records;
     // Bucket b covers abscissas [b, b + 1) / m_bucketScale and holds the first record whose end reaches the

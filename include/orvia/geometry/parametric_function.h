@@ -7,6 +7,7 @@
 
 #include <orvia/geometry/point_data.h>
 #include <orvia/vek/box.h>
+#include <orvia/vek/math.h>
 #include <orvia/vek/transform2d.h>
 #include <orvia/vek/vector.h>
 
@@ -61,6 +62,31 @@ public:
 
     double GetForcedStartOrientation() const { return m_forcedStartOrientation; }
 
+    // The placement half of GetPointData(s), for callers that know the piece's exact class (the composite
+    // curve's queries): the global sample of the local sample `local` taken at s, through the placement
+    // transform rather than the virtual LocalToGlobal. Same values as GetPointData(s) for a class that keeps
+    // the base LocalToGlobal.
+    PointData PlaceLocalSample(double s, const PointData& local) const {
+        return PointData(m_localToGlobal.apply(local.position), PlacedHeading(s, local.heading),
+                         local.curvature);
+    }
+    // The heading GetPointData(s) reports for a local heading (radians), and its unit tangent (cos, sin).
+    double PlacedHeading(double s, double localHeading) const {
+        return IsHeadingForcedAt(s) ? m_forcedStartOrientation : localHeading + m_startOrientation;
+    }
+    vek::Vector2 PlacedTangent(double s, double localHeading) const {
+        const double heading = PlacedHeading(s, localHeading);
+        return {std::cos(heading), std::sin(heading)};
+    }
+    // PlacedTangent(s, 0) for a piece whose local heading is 0 there: unforced, the heading is the start
+    // orientation itself, whose cosine and sine the placement transform holds.
+    vek::Vector2 PlacedTangentAlongStart(double s) const {
+        if (IsHeadingForcedAt(s)) return PlacedTangent(s, 0);
+        return {m_localToGlobal.cosOrientation(), m_localToGlobal.sinOrientation()};
+    }
+    // The local frame mapped to the global one (start position, start orientation).
+    const vek::Transform2D& GetLocalToGlobal() const { return m_localToGlobal; }
+
     // Both the "near the start" window of GetPointData (metres) and the "not forced" band of the forced
     // orientation (radians).
     static constexpr double kForcedOrientationWindow = 0.01;
@@ -85,6 +111,11 @@ protected:
     void InvalidateBoundingBox() { m_boundingBoxDirty = true; }
 
 private:
+    bool IsHeadingForcedAt(double s) const {
+        return vek::isEqual(s, 0, kForcedOrientationWindow) &&
+               !vek::isEqual(m_forcedStartOrientation, 0, kForcedOrientationWindow);
+    }
+
     vek::Vector2 m_startPosition;
     double m_startOrientation = 0;
     mutable vek::Box2 m_boundingBox;

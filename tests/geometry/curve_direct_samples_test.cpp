@@ -1,0 +1,142 @@
+// The composite curve samples segments, circle arcs and clothoid arcs without virtual calls, and its
+// projection steps along the centre line's point and tangent only. Both must give, to the bit, what the
+// pieces' own GetPointData and the plain iteration give.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include <orvia/vek/math.h>
+
+#include "axis_test_support.h"
+
+namespace {
+
+using Orvia::Curve2D;
+
+// An arc whose class the curve does not know: it must be sampled through its own override.
+class DriftingArc : public CircleArc {
+public:
+    DriftingArc(double length, double curvature) : CircleArc(length, curvature) {}
+
+protected:
+    PointData GetLocalPointData(double s) const override {
+        PointData pd = CircleArc::GetLocalPointData(s);
+        pd.position.y += 0.01 * s;
+        return pd;
+    }
+};
+
+// What Curve2D::GetPointData(s, 0) is defined to return: the piece the bisection finds, sampled through its
+// virtual GetPointData at s clamped into its span.
+PointData ReferenceSample(const Curve2D& curve, double s) {
+    PointData pd;
+    const double length = curve.GetLength();
+    if (!(s >= 0 && s <= length)) {
+        EXPECT_TRUE(curve.GetPointData(s, 0, pd));  // the straight extensions are not what is checked here
+        return pd;
+    }
+    const size_t i = curve.GetFunctionIndexAt(s, 0, curve.GetFunctionCount());
+    const double start = curve.GetFunctionStartLength(i), end = curve.GetFunctionStartLength(i + 1);
+    const double local = s - start, span = end - start;
+    return curve.GetFunction(i)->GetPointData(local < 0 ? 0 : (local > span ? span : local));
+}
+
+// The damped Newton iteration written plainly on GetPointData and PointData::GetTangent.
+double ReferenceSearch(const Curve2D& curve, const vek::Vector2& p, double s0, double tolerance,
+                       int maxIterations) {
+    const double length = curve.GetLength();
+    if (!vek::contains(length > 0 ? s0 / length : 0, Curve2D::kStartRatioMin, Curve2D::kStartRatioMax))
+        s0 = 0;
+    PointData sample;
+    curve.GetPointData(s0, 0, sample);
+    for (;;) {
+        vek::Vector2 previous = sample.position;
+        double s1 = s0 + Curve2D::kNewtonDamping * (p - sample.position).dot(sample.GetTangent());
+        if (!vek::contains(s1, -length, 2 * length)) {
+            PointData end;
+            curve.GetPointData(length, 0, end);
+            previous = end.position;
+            s1 = 0;
+        }
+        curve.GetPointData(s1, 0, sample);
+        if ((previous - sample.position).norm() < tolerance || maxIterations < 1) return s1;
+        s0 = s1;
+        --maxIterations;
+    }
+}
+
+void ExpectSameBits(const PointData& a, const PointData& b, double s) {
+    EXPECT_EQ(a.position.x, b.position.x) << s;
+    EXPECT_EQ(a.position.y, b.position.y) << s;
+    EXPECT_EQ(a.heading, b.heading) << s;
+    EXPECT_EQ(a.curvature, b.curvature) << s;
+}
+
+// Mixed pieces plus every shape a known class can take: a clothoid arc that is a line, a circle of either
+// sign, a clothoid beyond the series' reach, an arc of zero curvature, pieces with a forced start
+// orientation, and an arc of a class the curve does not know. `reversed` adds a segment of negative length,
+// which leaves the table without its abscissa index.
+void BuildCurve(Curve2D& curve, bool reversed) {
+    std::mt19937 rng(reversed ? 11 : 7);
+    axis_test::AddMixedPieces(curve, rng, 30, 0.05, {-2500, 7300}, 2.9);
+    curve.InsertFunction(new ClothoArc(12, 0, 0), 3);
+    curve.InsertFunction(new ClothoArc(9, 0.04, 0.04), 6);
+    curve.InsertFunction(new ClothoArc(9, -0.04, -0.04), 9);
+    curve.InsertFunction(new ClothoArc(30, 0.5, 0.51), 12);
+    curve.InsertFunction(new CircleArc(7, 0), 15);
+    curve.InsertFunction(new DriftingArc(11, 0.02), 18);
+    if (reversed) curve.InsertFunction(new Segment(-3), 21);
+    for (size_t i : {1, 3, 6, 9, 12, 15, 20})
+        curve.GetFunction(i)->SetForcedStartOrientation(0.3 * static_cast<double>(i) - 2);
+    curve.UpdateFunctionsFromStart();
+}
+
+}  // namespace
+
+TEST(Curve2D, DirectSamplesMatchThePieces) {
+    for (bool reversed : {false, true}) {
+        Curve2D curve;
+        BuildCurve(curve, reversed);
+        std::vector<double> abscissas = {0, curve.GetLength()};
+        for (size_t i = 0; i < curve.GetFunctionCount(); ++i)
+            for (double d : {-0.02, -1e-9, 0.0, 1e-9, 0.005, 0.0099, 0.01, 0.0101, 0.5})
+                abscissas.push_back(curve.GetFunctionStartLength(i) + d);
+        std::mt19937 rng(5);
+        std::uniform_real_distribution<double> along(-5, curve.GetLength() + 5);
+        for (int i = 0; i < 3000; ++i)
+            abscissas.push_back(along(rng));
+        for (double s : abscissas) {
+            PointData direct;
+            ASSERT_TRUE(curve.GetPointData(s, 0, direct));
+            ExpectSameBits(direct, ReferenceSample(curve, s), s);
+        }
+    }
+}
+
+TEST(Curve2D, SearchStepsAlongTheCentreLineAsTheIterationDoes) {
+    for (bool reversed : {false, true}) {
+        Curve2D curve;
+        BuildCurve(curve, reversed);
+        const double length = curve.GetLength();
+        std::mt19937 rng(9);
+        std::uniform_real_distribution<double> along(-10, length + 10), across(-8, 8), guess(-3, 3);
+        for (int i = 0; i < 2000; ++i) {
+            PointData pd;
+            const double s = along(rng);
+            curve.GetPointData(s, across(rng), pd);
+            // Starts near the foot, and now and then far off (a restart from the curve's start).
+            const double s0 = i % 10 == 0 ? length * 1.5 : s + guess(rng);
+            for (double tolerance : {1e-3, 1e-6}) {
+                const double direct = curve.SearchNearestAbscissa(pd.position, s0, tolerance, 100);
+                EXPECT_EQ(direct, ReferenceSearch(curve, pd.position, s0, tolerance, 100)) << i;
+            }
+        }
+        // Steps that leave [-length, 2 length] restart from the start.
+        const vek::Vector2 far(1e6, -1e6);
+        EXPECT_EQ(curve.SearchNearestAbscissa(far, 0.5 * length, 1e-6, 3),
+                  ReferenceSearch(curve, far, 0.5 * length, 1e-6, 3));
+    }
+}
