@@ -58,6 +58,7 @@ TEST(Document, KeepsWhatNoClassKnows) {
     <Roads extra="1">
       <Road name="R"/>
       <Mystery a="1"><Inner>text &amp; more</Inner></Mystery>
+      <Road name="S"/>
     </Roads>
     <Unknown deep="yes"><Lane name="not here"/></Unknown>
     <?tool keep this?>
@@ -77,6 +78,7 @@ TEST(Document, KeepsWhatNoClassKnows) {
     // The comment stays before the roads, the unknown element after them.
     EXPECT_LT(first.find("first the roads"), first.find("<Roads"));
     EXPECT_LT(first.find("<Road "), first.find("<Mystery"));
+    EXPECT_LT(first.find("<Mystery"), first.find("<Road name=\"S\""));
     EXPECT_LT(first.find("</Roads>"), first.find("<Unknown"));
     // A second round trip changes nothing.
     EXPECT_EQ(RoundTrip(first), first);
