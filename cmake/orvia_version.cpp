@@ -2,6 +2,8 @@
 
 namespace Orvia {
 
-const char* Version() { return ORVIA_VERSION_STRING; }
+const char* Version() {
+    return ORVIA_VERSION_STRING;
+}
 
 }  // namespace Orvia

@@ -68,10 +68,10 @@ public:
     // the unique-name rule. Empty names are left alone.
     void MakeNamesUnique();
     // Moves the members of `other`'s lists to the end of this one's lists. An incoming member whose name is
-    // taken here is renamed first with the unique-name rule: tracks and intersections through their own SetName
-    // (track ends follow), profiles with the incoming portions that name them; the users of other renamed
-    // members are not followed yet. The network's road pieces over incoming tracks are made to name this
-    // sub-network and the tracks' new names. `other` is left empty.
+    // taken here is renamed first with the unique-name rule: tracks and intersections through their own
+    // SetName (track ends follow), profiles with the incoming portions that name them; the users of other
+    // renamed members are not followed yet. The network's road pieces over incoming tracks are made to name
+    // this sub-network and the tracks' new names. `other` is left empty.
     void MergeWith(SubNetwork* other);
     // After loading: attaches the sub-network to `network`, its intersections to itself, and post-loads its
     // tracks. `searchPaths` is where proxy files are looked for.
