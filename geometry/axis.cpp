@@ -248,7 +248,8 @@ bool Axis::GetPositionTangentCurvature(double s, const vek::Vector2& offset, vek
     const double t = offset.x;
     const Curve2D* xy = GetXYCurve();
     PointData pd;
-    const bool found = xy && xy->GetPointData(s, t, pd);
+    vek::Vector2 unit;
+    const bool found = xy && xy->GetPointDataAndTangent(s, t, pd, unit);
     if (position || tangent) {
         double z = 0, theta = 0;
         ElevationAt(GetSZCurve(), s, z, theta, nullptr);
@@ -258,7 +259,7 @@ bool Axis::GetPositionTangentCurvature(double s, const vek::Vector2& offset, vek
         }
         if (tangent) {
             const double c = std::cos(theta);
-            *tangent = {std::cos(pd.heading) * c, std::sin(pd.heading) * c, std::sin(theta)};
+            *tangent = {unit.x * c, unit.y * c, std::sin(theta)};
         }
     }
     if (curvature) *curvature = pd.curvature;
@@ -293,9 +294,10 @@ bool Axis::GetGeometricData(double s, const vek::Vector2& offset, vek::Vector2* 
     if (position || tangent || curvature) {
         const Curve2D* xy = GetXYCurve();
         PointData pd;
-        if (!xy || !xy->GetPointData(s, t, pd)) return false;
+        vek::Vector2 unit;
+        if (!xy || !xy->GetPointDataAndTangent(s, t, pd, unit)) return false;
         if (position) *position = pd.position;
-        if (tangent) *tangent = pd.GetTangent();
+        if (tangent) *tangent = unit;
         if (curvature) *curvature = pd.curvature;
     }
     return true;

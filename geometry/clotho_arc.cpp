@@ -291,17 +291,11 @@ PointData ClothoArc::GetLocalPointData(double s) const {
     return pd;
 }
 
-PointData ClothoArc::GetPointDataDirect(double s) const {
-    return PlaceLocalSample(s, ClothoArc::GetLocalPointData(s));
-}
-
-void ClothoArc::GetPositionTangent(double s, vek::Vector2& position, vek::Vector2& tangent) const {
-    vek::Vector2 local;
-    double heading = 0;
-    LocalPositionHeading(s, local, heading);
-    position = GetLocalToGlobal().apply(local);
+PointData ClothoArc::GetPointDataDirect(double s, vek::Vector2* tangent) const {
+    const PointData pd = PlaceLocalSample(s, ClothoArc::GetLocalPointData(s));
     // A straight piece's heading is the start orientation, whose cosine and sine are known.
-    tangent = m_shape == Shape::Line ? PlacedTangentAlongStart(s) : PlacedTangent(s, heading);
+    if (tangent) *tangent = m_shape == Shape::Line ? PlacedTangentAlongStart(s) : pd.GetTangent();
+    return pd;
 }
 
 void ClothoArc::InvertLocalData() {

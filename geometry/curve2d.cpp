@@ -44,10 +44,10 @@ void ConstrainLoadedPiece(Ruvex::Element* element) {
     }
 }
 
-// Moves pd by t to the right; see Curve2D::OffsetPointData.
-inline void OffsetSample(double t, PointData& pd) {
-    if (t == 0) return;
-    pd.position -= pd.GetNormal() * t;
+// Moves pd by t to the right; see Curve2D::OffsetPointData. unit is the unit tangent (cos, sin) of
+// pd.heading.
+inline void OffsetSample(double t, const vek::Vector2& unit, PointData& pd) {
+    pd.position -= vek::Vector2(-unit.y, unit.x) * t;  // the left normal
     const double k = pd.curvature;
     if (std::fabs(k) < Curve2D::kStraightCurvature) {
         const double denominator = k * t + 1;
@@ -270,61 +270,50 @@ size_t Curve2D::RecordAt(double s, size_t hint) const {
 }
 
 bool Curve2D::GetPointData(double s, double t, PointData& out) const {
+    return Sample(s, t, out, nullptr, nullptr);
+}
+
+bool Curve2D::GetPointDataAndTangent(double s, double t, PointData& out, vek::Vector2& tangent) const {
+    return Sample(s, t, out, &tangent, nullptr);
+}
+
+bool Curve2D::Sample(double s, double t, PointData& out, vek::Vector2* tangent, size_t* hint) const {
     if (m_records.empty()) return false;
     const double length = m_records.back().end;
-    if (!(s >= 0 && s <= length)) return ComputePointDataOutside(s < 0 ? 0 : length, s, t, out);
-    const Record& record = m_records[RecordAt(s, npos)];
+    if (!(s >= 0 && s <= length)) {
+        ComputePointDataOutside(s < 0 ? 0 : length, s, t, out);
+        if (tangent) *tangent = out.GetTangent();
+        return true;
+    }
+    const size_t i = RecordAt(s, hint ? *hint : npos);
+    if (hint) *hint = i;
+    const Record& record = m_records[i];
     const double local = LocalAbscissa(record, s);
+    // The offset needs the tangent too: computed once, by the piece when it knows it already.
+    vek::Vector2 unit;
+    vek::Vector2* wanted = tangent || t != 0 ? &unit : nullptr;
     switch (record.kind) {
         case Kind::Segment:
-            out = static_cast<const Segment*>(record.function)->GetPointDataDirect(local);
+            out = static_cast<const Segment*>(record.function)->GetPointDataDirect(local, wanted);
             break;
         case Kind::CircleArc:
-            out = static_cast<const CircleArc*>(record.function)->GetPointDataDirect(local);
+            out = static_cast<const CircleArc*>(record.function)->GetPointDataDirect(local, wanted);
             break;
         case Kind::ClothoArc:
-            out = static_cast<const ClothoArc*>(record.function)->GetPointDataDirect(local);
+            out = static_cast<const ClothoArc*>(record.function)->GetPointDataDirect(local, wanted);
             break;
         case Kind::Other:
             out = record.function->GetPointData(local);
+            if (wanted) unit = out.GetTangent();
             break;
     }
-    OffsetSample(t, out);
+    if (t != 0) OffsetSample(t, unit, out);
+    if (tangent) *tangent = unit;
     return true;
 }
 
-void Curve2D::SampleCentre(double s, size_t& hint, vek::Vector2& position, vek::Vector2& tangent) const {
-    const double length = m_records.back().end;
-    if (!(s >= 0 && s <= length)) {
-        PointData pd;
-        ComputePointDataOutside(s < 0 ? 0 : length, s, 0, pd);
-        position = pd.position;
-        tangent = pd.GetTangent();
-        return;
-    }
-    hint = RecordAt(s, hint);
-    const Record& record = m_records[hint];
-    const double local = LocalAbscissa(record, s);
-    switch (record.kind) {
-        case Kind::Segment:
-            static_cast<const Segment*>(record.function)->GetPositionTangent(local, position, tangent);
-            return;
-        case Kind::CircleArc:
-            static_cast<const CircleArc*>(record.function)->GetPositionTangent(local, position, tangent);
-            return;
-        case Kind::ClothoArc:
-            static_cast<const ClothoArc*>(record.function)->GetPositionTangent(local, position, tangent);
-            return;
-        case Kind::Other:
-            break;
-    }
-    const PointData pd = record.function->GetPointData(local);
-    position = pd.position;
-    tangent = pd.GetTangent();
-}
-
 void Curve2D::OffsetPointData(double t, PointData& pd) {
-    OffsetSample(t, pd);
+    if (t != 0) OffsetSample(t, pd.GetTangent(), pd);
 }
 
 bool Curve2D::ComputePointDataOutside(double sRef, double s, double t, PointData& out) const {
@@ -344,13 +333,14 @@ double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double t
     const double length = GetLength();
     const double ratio = length > 0 ? s0 / length : 0;
     if (!vek::contains(ratio, kStartRatioMin, kStartRatioMax)) s0 = 0;
-    // Each step needs the centre line's point and tangent only.
+    // Steps mostly stay on one piece: each sample tries the piece of the one before first.
     size_t hint = npos;
-    vek::Vector2 position, tangent;
-    SampleCentre(s0, hint, position, tangent);
+    PointData sample;
+    vek::Vector2 tangent;
+    Sample(s0, 0, sample, &tangent, &hint);
     for (;;) {
-        vek::Vector2 previous = position;
-        double s1 = s0 + kNewtonDamping * (p - position).dot(tangent);
+        vek::Vector2 previous = sample.position;
+        double s1 = s0 + kNewtonDamping * (p - sample.position).dot(tangent);
         if (!vek::contains(s1, -length, 2 * length)) {
             // The step left the neighbourhood of the curve: start again from its start. The convergence test
             // then compares with the end sample, the last place the restart scan of the curve looks at.
@@ -359,8 +349,8 @@ double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double t
             previous = end.position;
             s1 = 0;
         }
-        SampleCentre(s1, hint, position, tangent);
-        if ((previous - position).norm() < tolerance || maxIterations < 1) return s1;
+        Sample(s1, 0, sample, &tangent, &hint);
+        if ((previous - sample.position).norm() < tolerance || maxIterations < 1) return s1;
         s0 = s1;
         --maxIterations;
     }

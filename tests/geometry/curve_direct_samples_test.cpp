@@ -29,19 +29,25 @@ protected:
     }
 };
 
-// What Curve2D::GetPointData(s, 0) is defined to return: the piece the bisection finds, sampled through its
-// virtual GetPointData at s clamped into its span.
-PointData ReferenceSample(const Curve2D& curve, double s) {
+// What Curve2D::GetPointData(s, t) is defined to return: the piece the bisection finds, sampled through its
+// virtual GetPointData at s clamped into its span, moved by t along the right normal (the curvature kept
+// unless it is straight).
+PointData ReferenceSample(const Curve2D& curve, double s, double t) {
     PointData pd;
     const double length = curve.GetLength();
     if (!(s >= 0 && s <= length)) {
-        EXPECT_TRUE(curve.GetPointData(s, 0, pd));  // the straight extensions are not what is checked here
+        EXPECT_TRUE(curve.GetPointData(s, t, pd));  // the straight extensions are not what is checked here
         return pd;
     }
     const size_t i = curve.GetFunctionIndexAt(s, 0, curve.GetFunctionCount());
     const double start = curve.GetFunctionStartLength(i), end = curve.GetFunctionStartLength(i + 1);
     const double local = s - start, span = end - start;
-    return curve.GetFunction(i)->GetPointData(local < 0 ? 0 : (local > span ? span : local));
+    pd = curve.GetFunction(i)->GetPointData(local < 0 ? 0 : (local > span ? span : local));
+    if (t != 0) {
+        pd.position -= pd.GetNormal() * t;
+        if (std::fabs(pd.curvature) < Curve2D::kStraightCurvature) pd.curvature /= pd.curvature * t + 1;
+    }
+    return pd;
 }
 
 // The damped Newton iteration written plainly on GetPointData and PointData::GetTangent.
@@ -109,9 +115,16 @@ TEST(Curve2D, DirectSamplesMatchThePieces) {
         for (int i = 0; i < 3000; ++i)
             abscissas.push_back(along(rng));
         for (double s : abscissas) {
-            PointData direct;
-            ASSERT_TRUE(curve.GetPointData(s, 0, direct));
-            ExpectSameBits(direct, ReferenceSample(curve, s), s);
+            for (double t : {0.0, 2.5, -1.5}) {
+                PointData direct, withTangent;
+                vek::Vector2 tangent;
+                ASSERT_TRUE(curve.GetPointData(s, t, direct));
+                ExpectSameBits(direct, ReferenceSample(curve, s, t), s);
+                ASSERT_TRUE(curve.GetPointDataAndTangent(s, t, withTangent, tangent));
+                ExpectSameBits(withTangent, direct, s);
+                EXPECT_EQ(tangent.x, std::cos(direct.heading)) << s;
+                EXPECT_EQ(tangent.y, std::sin(direct.heading)) << s;
+            }
         }
     }
 }

@@ -49,14 +49,12 @@ public:
     // Negates the curvature.
     void Flip() override;
 
-    // The composite curve's direct samples (no virtual call; see ParametricFunction::PlaceLocalSample): the
-    // same values as GetPointData(s), and its position with the unit tangent of its heading.
-    PointData GetPointDataDirect(double s) const {
-        return PlaceLocalSample(s, CircleArc::GetLocalPointData(s));
-    }
-    void GetPositionTangent(double s, vek::Vector2& position, vek::Vector2& tangent) const {
-        position = GetLocalToGlobal().apply(CircleArcLocalPosition(m_Curvature, m_radius, s));
-        tangent = PlacedTangent(s, m_Curvature * s);
+    // The composite curve's direct sample (no virtual call; see ParametricFunction::PlaceLocalSample): the
+    // same values as GetPointData(s), with the unit tangent (cos, sin) of its heading when tangent is set.
+    PointData GetPointDataDirect(double s, vek::Vector2* tangent) const {
+        const PointData pd = PlaceLocalSample(s, CircleArc::GetLocalPointData(s));
+        if (tangent) *tangent = pd.GetTangent();
+        return pd;
     }
 
     // Reads the tag, then recomputes. True for any document; false only for null arguments.

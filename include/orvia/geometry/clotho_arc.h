@@ -50,10 +50,9 @@ public:
     // Negates both curvatures.
     void Flip() override;
 
-    // The composite curve's direct samples (no virtual call; see ParametricFunction::PlaceLocalSample): the
-    // same values as GetPointData(s), and its position with the unit tangent of its heading.
-    PointData GetPointDataDirect(double s) const;
-    void GetPositionTangent(double s, vek::Vector2& position, vek::Vector2& tangent) const;
+    // The composite curve's direct sample (no virtual call; see ParametricFunction::PlaceLocalSample): the
+    // same values as GetPointData(s), with the unit tangent (cos, sin) of its heading when tangent is set.
+    PointData GetPointDataDirect(double s, vek::Vector2* tangent) const;
 
     // Documents older than 2.3.0 go through the legacy converter. True for any document; false only for null
     // arguments.

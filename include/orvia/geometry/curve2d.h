@@ -90,6 +90,9 @@ public:
     // (-pi, pi]). The point moves by t to the right; the curvature stays the axis curvature (see
     // OffsetPointData). False, out untouched, for an empty curve.
     bool GetPointData(double s, double t, PointData& out) const;
+    // The same, with the unit tangent (cos, sin) of out.heading, which the offset computes anyway (and
+    // straight pieces know): for frame queries, which would otherwise compute it again.
+    bool GetPointDataAndTangent(double s, double t, PointData& out, vek::Vector2& tangent) const;
 
     // Abscissa of the foot of p on the curve by damped Newton steps from s0 (see kStartRatioMin /
     // kNewtonDamping): it stops when two successive samples lie closer than tolerance (m) or after
@@ -160,9 +163,9 @@ private:
     // The record GetFunctionIndexAt finds for s in [0, length] (not empty). A record index `hint` (or npos)
     // is tried first: a projection's steps mostly stay on one piece.
     size_t RecordAt(double s, size_t hint) const;
-    // GetPointData(s, 0)'s position and the unit tangent (cos, sin) of its heading, on a curve with pieces;
-    // hint as RecordAt's, updated to the record sampled.
-    void SampleCentre(double s, size_t& hint, vek::Vector2& position, vek::Vector2& tangent) const;
+    // GetPointData(s, t, out) with, when tangent is set, the unit tangent (cos, sin) of out.heading, and,
+    // when hint is set, its record tried first (see RecordAt) and replaced by the record sampled.
+    bool Sample(double s, double t, PointData& out, vek::Vector2* tangent, size_t* hint) const;
 
     std::vector<Record> m_records;
     // Bucket b covers abscissas [b, b + 1) / m_bucketScale and holds the first record whose end reaches the

@@ -70,18 +70,16 @@ public:
         return PointData(m_localToGlobal.apply(local.position), PlacedHeading(s, local.heading),
                          local.curvature);
     }
-    // The heading GetPointData(s) reports for a local heading (radians), and its unit tangent (cos, sin).
+    // The heading GetPointData(s) reports for a local heading (radians).
     double PlacedHeading(double s, double localHeading) const {
         return IsHeadingForcedAt(s) ? m_forcedStartOrientation : localHeading + m_startOrientation;
     }
-    vek::Vector2 PlacedTangent(double s, double localHeading) const {
-        const double heading = PlacedHeading(s, localHeading);
-        return {std::cos(heading), std::sin(heading)};
-    }
-    // PlacedTangent(s, 0) for a piece whose local heading is 0 there: unforced, the heading is the start
-    // orientation itself, whose cosine and sine the placement transform holds.
+    // The unit tangent (cos, sin) of PlacedHeading(s, 0), for a piece whose local heading is 0 at s:
+    // unforced, that heading is the start orientation itself, whose cosine and sine the placement transform
+    // holds.
     vek::Vector2 PlacedTangentAlongStart(double s) const {
-        if (IsHeadingForcedAt(s)) return PlacedTangent(s, 0);
+        if (IsHeadingForcedAt(s))
+            return {std::cos(m_forcedStartOrientation), std::sin(m_forcedStartOrientation)};
         return {m_localToGlobal.cosOrientation(), m_localToGlobal.sinOrientation()};
     }
     // The local frame mapped to the global one (start position, start orientation).

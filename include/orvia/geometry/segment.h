@@ -24,14 +24,11 @@ public:
     uint64_t AddRef() override;
     uint64_t Release() override;
 
-    // The composite curve's direct samples (no virtual call; see ParametricFunction::PlaceLocalSample): the
-    // same values as GetPointData(s), and its position with the unit tangent of its heading.
-    PointData GetPointDataDirect(double s) const {
+    // The composite curve's direct sample (no virtual call; see ParametricFunction::PlaceLocalSample): the
+    // same values as GetPointData(s), with the unit tangent (cos, sin) of its heading when tangent is set.
+    PointData GetPointDataDirect(double s, vek::Vector2* tangent) const {
+        if (tangent) *tangent = PlacedTangentAlongStart(s);
         return PlaceLocalSample(s, Segment::GetLocalPointData(s));
-    }
-    void GetPositionTangent(double s, vek::Vector2& position, vek::Vector2& tangent) const {
-        position = GetLocalToGlobal().apply({s, 0});
-        tangent = PlacedTangentAlongStart(s);
     }
 
     // Reads the tag, then recomputes. True for any document; false only for null arguments.
