@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 
 namespace Ruvex::detail {
@@ -30,7 +31,7 @@ AttributeStatus ParseAs(std::string_view text, T& value) {
 // Output in 64 KiB pieces: appending every few bytes to the string would check its capacity each time.
 class Output {
 public:
-    explicit Output(std::string& text) : m_text(text) {}
+    Output(std::string& text, bool latin1) : m_text(text), m_latin1(latin1) {}
     ~Output() { Flush(); }
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
@@ -60,10 +61,13 @@ public:
         m_used = 0;
     }
     void Discard() { m_used = 0; }
+    // Whether the text becomes Latin-1, where escapable characters above U+00FF are written as references.
+    bool latin1() const { return m_latin1; }
 
 private:
     static constexpr size_t kSize = 64 * 1024;
     std::string& m_text;
+    bool m_latin1;
     size_t m_used = 0;
     char m_buffer[kSize];
 };
@@ -78,11 +82,44 @@ constexpr bool EscapedInText(unsigned char c) {
     return (c < 32 && c != '\t' && c != '\n' && c != '\r') || c == '&' || c == '<' || c == '>';
 }
 
+// The code point of the well-formed UTF-8 sequence of 2 to 4 bytes at text[i] and its length, or a length of
+// 0 when there is none.
+unsigned DecodeMultibyte(std::string_view text, size_t i, size_t& length) {
+    const auto byte = [&](size_t k) { return static_cast<unsigned char>(text[i + k]); };
+    const unsigned char lead = byte(0);
+    length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC0 || lead >= 0xF8 || i + length > text.size()) return length = 0;
+    unsigned code = lead & (0x7Fu >> length);
+    for (size_t k = 1; k < length; ++k) {
+        if ((byte(k) & 0xC0) != 0x80) return length = 0;
+        code = (code << 6) | (byte(k) & 0x3Fu);
+    }
+    return code;
+}
+
+// Leads of sequences above U+00FF.
+constexpr bool BeyondLatin1(unsigned char c) {
+    return c >= 0xC4;
+}
+
 template <bool (*Escaped)(unsigned char)>
 void PutEscaped(Output& out, std::string_view text) {
     size_t start = 0;
     for (size_t i = 0; i < text.size(); ++i) {
         const auto c = static_cast<unsigned char>(text[i]);
+        if (BeyondLatin1(c) && out.latin1()) {
+            // Latin-1 cannot hold it; a character reference keeps it.
+            size_t length = 0;
+            const unsigned code = DecodeMultibyte(text, i, length);
+            if (length == 0) continue;  // malformed: dropped with the conversion
+            out.Put(text.substr(start, i - start));
+            char reference[16];
+            const int size = std::snprintf(reference, sizeof reference, "&#%u;", code);
+            out.Put(std::string_view(reference, static_cast<size_t>(size)));
+            i += length - 1;
+            start = i + 1;
+            continue;
+        }
         if (!Escaped(c)) continue;
         out.Put(text.substr(start, i - start));
         start = i + 1;
@@ -518,7 +555,7 @@ bool WriteDocument::Serialize(std::string& text, bool latin1, size_t maxDepth) c
     text.clear();
     text.reserve(m_textSize + m_textSize / 8);
     {
-        Output out(text);
+        Output out(text, latin1);
         const WriteNode* top = &m_root;
         const WriteNode* node = top;
         enum : unsigned { kNewline = 1, kIndent = 2 };

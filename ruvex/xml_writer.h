@@ -182,9 +182,10 @@ public:
     }
     void ApplyDeferred();
 
-    // The document text; `latin1` converts it as pugixml's Latin-1 output does (characters above U+00FF
-    // become '?', malformed sequences are dropped). False, with `text` empty, when an element is nested
-    // deeper than `maxDepth` levels (the root element being level 1).
+    // The document text; `latin1` converts it as pugixml's Latin-1 output does (malformed sequences are
+    // dropped, characters above U+00FF become '?'), except that in attribute values and text, where a
+    // reference means the character, those are written as character references. False, with `text` empty,
+    // when an element is nested deeper than `maxDepth` levels (the root element being level 1).
     bool Serialize(std::string& text, bool latin1, size_t maxDepth = SIZE_MAX) const;
 
     const std::string& fileName() const { return m_fileName; }

@@ -200,4 +200,17 @@ TEST(Document, Latin1TextCrossesTheBoundary) {
     std::string saved = SaveToString(root.Get());
     EXPECT_NE(saved.find("Gare de l\xC3\xA9st"), std::string::npos);
     Encoding::SetMode(Encoding::UTF8);
+
+    // A Latin-1 file is saved as Latin-1; characters it cannot hold survive as references.
+    CountedPtr<Element> file = LoadText(
+        "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<Ruvex><Network name=\"caf\xE9\"/></Ruvex>");
+    ASSERT_TRUE(file);
+    auto* network = static_cast<NetworkElement*>(file.Get());
+    EXPECT_EQ(network->GetName(), "caf\xC3\xA9");
+    network->SetName("caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x9A\x97");
+    saved = SaveToString(file.Get());
+    EXPECT_NE(saved.find("caf\xE9 &#8364; &#128663;"), std::string::npos) << saved;
+    CountedPtr<Element> again = LoadText(saved);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(static_cast<NetworkElement*>(again.Get())->GetName(), network->GetName());
 }

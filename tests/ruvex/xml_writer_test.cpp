@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <regex>
 #include <string>
 
 using Ruvex::detail::WriteDocument;
@@ -65,6 +66,10 @@ void ExpectSameText(const pugi::xml_document& reference) {
         Mirror(reference, &document.root(), document);
         std::string text;
         document.Serialize(text, latin1);
+        // Where pugixml writes '?' for a character beyond Latin-1, attribute values and text get a reference.
+        if (latin1)
+            text =
+                std::regex_replace(text, std::regex("&#(25[6-9]|2[6-9][0-9]|[3-9][0-9]{2}|[0-9]{4,});"), "?");
         ASSERT_EQ(text, PugiText(reference, latin1)) << (latin1 ? "Latin-1" : "UTF-8");
     }
 }
