@@ -294,7 +294,7 @@ PointData ClothoArc::GetLocalPointData(double s) const {
 PointData ClothoArc::GetPointDataDirect(double s, vek::Vector2* tangent) const {
     const PointData pd = PlaceLocalSample(s, ClothoArc::GetLocalPointData(s));
     // A straight piece's heading is the start orientation, whose cosine and sine are known.
-    if (tangent) *tangent = m_shape == Shape::Line ? PlacedTangentAlongStart(s) : pd.GetTangent();
+    if (tangent) *tangent = m_shape == Shape::Line ? PlacedTangent(s, {1, 0}) : pd.GetTangent();
     return pd;
 }
 

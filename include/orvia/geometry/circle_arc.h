@@ -8,13 +8,18 @@
 
 // Position of the arc of curvature k and signed radius r (= 1/k, or the stand-in) after s metres from the
 // origin heading +x: (r sin ks, r (1 - cos ks)) without cancellation near ks = 0.
-inline vek::Vector2 CircleArcLocalPosition(double k, double r, double s) {
+// The same, with the cosine and sine of the local heading k * s, which give its tangent.
+inline vek::Vector2 CircleArcLocalPosition(double k, double r, double s, double& cosine, double& sine) {
     const double angle = k * s;
-    const double sine = std::sin(angle);
-    const double cosine = std::cos(angle);
+    sine = std::sin(angle);
+    cosine = std::cos(angle);
     // 1 - cos = sin^2 / (1 + cos) where cos > 0, which has no cancellation; elsewhere the difference is safe.
     const double versine = cosine > 0 ? sine * sine / (1 + cosine) : 1 - cosine;
     return {r * sine, r * versine};
+}
+inline vek::Vector2 CircleArcLocalPosition(double k, double r, double s) {
+    double cosine, sine;
+    return CircleArcLocalPosition(k, r, s, cosine, sine);
 }
 
 class CircleArc : public ParametricFunction, public Ruvex::CircleArcElement {
@@ -50,10 +55,13 @@ public:
     void Flip() override;
 
     // The composite curve's direct sample (no virtual call; see ParametricFunction::PlaceLocalSample): the
-    // same values as GetPointData(s), with the unit tangent (cos, sin) of its heading when tangent is set.
+    // same values as GetPointData(s), with the unit tangent (cos, sin) of its heading when tangent is set
+    // (see PlacedTangent).
     PointData GetPointDataDirect(double s, vek::Vector2* tangent) const {
-        const PointData pd = PlaceLocalSample(s, CircleArc::GetLocalPointData(s));
-        if (tangent) *tangent = pd.GetTangent();
+        double cosine, sine;
+        const vek::Vector2 local = CircleArcLocalPosition(m_Curvature, m_radius, s, cosine, sine);
+        const PointData pd = PlaceLocalSample(s, PointData(local, m_Curvature * s, m_Curvature));
+        if (tangent) *tangent = PlacedTangent(s, {cosine, sine});
         return pd;
     }
 

@@ -74,13 +74,13 @@ public:
     double PlacedHeading(double s, double localHeading) const {
         return IsHeadingForcedAt(s) ? m_forcedStartOrientation : localHeading + m_startOrientation;
     }
-    // The unit tangent (cos, sin) of PlacedHeading(s, 0), for a piece whose local heading is 0 at s:
-    // unforced, that heading is the start orientation itself, whose cosine and sine the placement transform
-    // holds.
-    vek::Vector2 PlacedTangentAlongStart(double s) const {
+    // The unit tangent (cos, sin) of PlacedHeading(s, h), given the local one (cos h, sin h): unforced, the
+    // local tangent turned by the placement, equal to rounding without a sine (for h = 0, exactly the
+    // transform's cosine and sine).
+    vek::Vector2 PlacedTangent(double s, const vek::Vector2& localTangent) const {
         if (IsHeadingForcedAt(s))
             return {std::cos(m_forcedStartOrientation), std::sin(m_forcedStartOrientation)};
-        return {m_localToGlobal.cosOrientation(), m_localToGlobal.sinOrientation()};
+        return m_localToGlobal.applyVector(localTangent);
     }
     // The local frame mapped to the global one (start position, start orientation).
     const vek::Transform2D& GetLocalToGlobal() const { return m_localToGlobal; }

@@ -27,7 +27,7 @@ public:
     // The composite curve's direct sample (no virtual call; see ParametricFunction::PlaceLocalSample): the
     // same values as GetPointData(s), with the unit tangent (cos, sin) of its heading when tangent is set.
     PointData GetPointDataDirect(double s, vek::Vector2* tangent) const {
-        if (tangent) *tangent = PlacedTangentAlongStart(s);
+        if (tangent) *tangent = PlacedTangent(s, {1, 0});
         return PlaceLocalSample(s, Segment::GetLocalPointData(s));
     }
 
