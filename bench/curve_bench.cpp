@@ -1,6 +1,5 @@
-// Query throughput of the composite horizontal curve and of the axis, single thread, against a floor: a loop
-// of the same length that only calls std::sin and std::cos. Each query reports queries per second
-// (items_per_second) and cost_vs_floor, the time of one query in units of one floor step (sin + cos).
+// Query throughput of the composite horizontal curve and of the axis, single thread, against the sin + cos
+// floor (see sin_cos_floor.h).
 //
 // The curve has 1,000 pieces end to end. Arg 0 of the curve benchmarks picks the mix: 0 the pieces of road
 // alignments (segments, circle arcs, clothoid arcs), 1 the same with one piece in ten defined by a control
@@ -10,7 +9,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -26,60 +24,11 @@
 #include <orvia/ruvex/counted.h>
 #include <orvia/vek/mark.h>
 
+#include "sin_cos_floor.h"
+
 namespace {
 
-constexpr int kQueries = 4096;  // queries per benchmark iteration
 constexpr int kPieces = 1000;
-
-// kQueries values spread over [0, length] in a scrambled order, so that consecutive queries land on unrelated
-// pieces (no help from the branch predictor or the cache).
-std::vector<double> Abscissas(double length) {
-    std::vector<double> s(kQueries);
-    for (int i = 0; i < kQueries; ++i)
-        s[i] = length * static_cast<double>((i * 2749) % kQueries) / (kQueries - 1);
-    return s;
-}
-
-double FloorLoop(const std::vector<double>& s) {
-    double sum = 0;
-    for (double x : s)
-        sum += std::sin(x) + std::cos(x);
-    return sum;
-}
-
-// Seconds per floor step, measured once over at least 0.2 s.
-double FloorSecondsPerQuery() {
-    static const double seconds = [] {
-        const std::vector<double> s = Abscissas(100);
-        using Clock = std::chrono::steady_clock;
-        long long loops = 0;
-        const Clock::time_point start = Clock::now();
-        Clock::duration elapsed{};
-        do {
-            benchmark::DoNotOptimize(FloorLoop(s));
-            ++loops;
-            elapsed = Clock::now() - start;
-        } while (elapsed < std::chrono::milliseconds(200));
-        return std::chrono::duration<double>(elapsed).count() / (static_cast<double>(loops) * kQueries);
-    }();
-    return seconds;
-}
-
-template <class Query>
-void Run(benchmark::State& state, int count, Query query) {
-    FloorSecondsPerQuery();
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point start = Clock::now();
-    for (auto _ : state) {
-        for (int i = 0; i < count; ++i)
-            query(i);
-        benchmark::ClobberMemory();
-    }
-    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    const double queries = static_cast<double>(state.iterations()) * count;
-    state.SetItemsProcessed(static_cast<int64_t>(queries));
-    state.counters["cost_vs_floor"] = seconds / queries / FloorSecondsPerQuery();
-}
 
 // A gently bent polygon leaving its start along +x (the first point and the first edge's direction are kept
 // by the origin constraints).
@@ -173,16 +122,16 @@ private:
 };
 
 void BM_Floor_SinCos(benchmark::State& state) {
-    const std::vector<double> s = Abscissas(100);
-    Run(state, kQueries, [&](int i) { benchmark::DoNotOptimize(std::sin(s[i]) + std::cos(s[i])); });
+    const std::vector<double> s = bench::ScrambledAbscissas(100);
+    bench::RunAgainstFloor(state, [&](int i) { benchmark::DoNotOptimize(std::sin(s[i]) + std::cos(s[i])); });
 }
 
 // Arg 0: the mix; arg 1: the lateral offset (m).
 void BM_Curve2D_GetPointData(benchmark::State& state) {
     const Ruvex::CountedPtr<Orvia::Curve2D> curve = MixedCurve(state.range(0) != 0);
-    const std::vector<double> s = Abscissas(curve->GetLength());
+    const std::vector<double> s = bench::ScrambledAbscissas(curve->GetLength());
     const double t = static_cast<double>(state.range(1));
-    Run(state, kQueries, [&](int i) {
+    bench::RunAgainstFloor(state, [&](int i) {
         PointData pd;
         benchmark::DoNotOptimize(curve->GetPointData(s[i], t, pd));
         benchmark::DoNotOptimize(pd);
@@ -196,25 +145,25 @@ void BM_Curve2D_SearchNearestAbscissa(benchmark::State& state) {
     const double tolerance = std::pow(10.0, -static_cast<double>(state.range(1)));
     std::mt19937 rng(99);
     std::uniform_real_distribution<double> along(0, curve->GetLength()), across(-5, 5), guess(-2, 2);
-    std::vector<vek::Vector2> points(kQueries);
-    std::vector<double> starts(kQueries);
-    for (int i = 0; i < kQueries; ++i) {
+    std::vector<vek::Vector2> points(bench::kBatch);
+    std::vector<double> starts(bench::kBatch);
+    for (int i = 0; i < bench::kBatch; ++i) {
         const double s = along(rng);
         PointData pd;
         curve->GetPointData(s, across(rng), pd);
         points[i] = pd.position;
         starts[i] = s + guess(rng);
     }
-    Run(state, kQueries, [&](int i) {
+    bench::RunAgainstFloor(state, [&](int i) {
         benchmark::DoNotOptimize(curve->SearchNearestAbscissa(points[i], starts[i], tolerance, 100));
     });
 }
 
 void BM_Axis_GetMark(benchmark::State& state) {
     BenchAxis axis;
-    const std::vector<double> s = Abscissas(axis.GetXYLength());
+    const std::vector<double> s = bench::ScrambledAbscissas(axis.GetXYLength());
     const double t = static_cast<double>(state.range(0)) * 0.5;
-    Run(state, kQueries, [&](int i) {
+    bench::RunAgainstFloor(state, [&](int i) {
         vek::Mark mark;
         benchmark::DoNotOptimize(axis.GetMark(mark, s[i], t));
         benchmark::DoNotOptimize(mark);
@@ -223,9 +172,9 @@ void BM_Axis_GetMark(benchmark::State& state) {
 
 void BM_Axis_GetGeometricData(benchmark::State& state) {
     BenchAxis axis;
-    const std::vector<double> s = Abscissas(axis.GetXYLength());
+    const std::vector<double> s = bench::ScrambledAbscissas(axis.GetXYLength());
     const vek::Vector2 offset(static_cast<double>(state.range(0)) * 0.5, 0);
-    Run(state, kQueries, [&](int i) {
+    bench::RunAgainstFloor(state, [&](int i) {
         vek::Vector2 position, tangent;
         double altitude, slope, curvature, vertical, banking;
         benchmark::DoNotOptimize(axis.GetGeometricData(s[i], offset, &position, &altitude, &tangent, &slope,

@@ -1,10 +1,7 @@
-// Sampling throughput of the curve pieces, single thread, against a floor: a loop of the same length that
-// only calls std::sin and std::cos. Each piece reports samples per second (items_per_second) and
-// cost_vs_floor, the time of one sample in units of one floor step (sin + cos).
+// Sampling throughput of the curve pieces, single thread, against the sin + cos floor (see sin_cos_floor.h).
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cmath>
 #include <vector>
 
@@ -16,71 +13,21 @@
 #include <orvia/geometry/segment.h>
 #include <orvia/ruvex/counted.h>
 
+#include "sin_cos_floor.h"
+
 namespace {
 
-constexpr int kSamples = 4096;  // samples per benchmark iteration
-
-// kSamples values evenly spread over [0, length], visited in a scrambled order so that consecutive samples do
-// not share a cache line of any lookup table.
-std::vector<double> Abscissas(double length) {
-    std::vector<double> s(kSamples);
-    for (int i = 0; i < kSamples; ++i)
-        s[i] = length * static_cast<double>((i * 2749) % kSamples) / (kSamples - 1);
-    return s;
-}
-
-double FloorLoop(const std::vector<double>& s) {
-    double sum = 0;
-    for (double x : s)
-        sum += std::sin(x) + std::cos(x);
-    return sum;
-}
-
-// Seconds per floor step, measured once over at least 0.2 s.
-double FloorSecondsPerSample() {
-    static const double seconds = [] {
-        const std::vector<double> s = Abscissas(100);
-        using Clock = std::chrono::steady_clock;
-        long long loops = 0;
-        const Clock::time_point start = Clock::now();
-        Clock::duration elapsed{};
-        do {
-            benchmark::DoNotOptimize(FloorLoop(s));
-            ++loops;
-            elapsed = Clock::now() - start;
-        } while (elapsed < std::chrono::milliseconds(200));
-        return std::chrono::duration<double>(elapsed).count() / (static_cast<double>(loops) * kSamples);
-    }();
-    return seconds;
-}
-
-template <class Sample>
-void Run(benchmark::State& state, const std::vector<double>& s, Sample sample) {
-    FloorSecondsPerSample();
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point start = Clock::now();
-    for (auto _ : state) {
-        for (double x : s)
-            sample(x);
-        benchmark::ClobberMemory();
-    }
-    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    const double samples = static_cast<double>(state.iterations()) * kSamples;
-    state.SetItemsProcessed(static_cast<int64_t>(samples));
-    state.counters["cost_vs_floor"] = seconds / samples / FloorSecondsPerSample();
-}
-
 void SamplePiece(benchmark::State& state, const ParametricFunction& piece) {
-    const std::vector<double> s = Abscissas(piece.GetLength());
-    Run(state, s, [&](double x) {
-        const PointData pd = piece.GetPointData(x);
+    const std::vector<double> s = bench::ScrambledAbscissas(piece.GetLength());
+    bench::RunAgainstFloor(state, [&](int i) {
+        const PointData pd = piece.GetPointData(s[i]);
         benchmark::DoNotOptimize(pd);
     });
 }
 
 void BM_Floor_SinCos(benchmark::State& state) {
-    const std::vector<double> s = Abscissas(100);
-    Run(state, s, [](double x) { benchmark::DoNotOptimize(std::sin(x) + std::cos(x)); });
+    const std::vector<double> s = bench::ScrambledAbscissas(100);
+    bench::RunAgainstFloor(state, [&](int i) { benchmark::DoNotOptimize(std::sin(s[i]) + std::cos(s[i])); });
 }
 
 void BM_Segment(benchmark::State& state) {
@@ -124,7 +71,8 @@ void BM_ClothoidSpline(benchmark::State& state) {
 
 void BM_PolynomialFunction_GetValue(benchmark::State& state) {
     const PolynomialFunction cubic({0, 10}, 0.02, {100, 12}, -0.01);
-    Run(state, Abscissas(100), [&](double x) { benchmark::DoNotOptimize(cubic.GetValue(x)); });
+    const std::vector<double> s = bench::ScrambledAbscissas(100);
+    bench::RunAgainstFloor(state, [&](int i) { benchmark::DoNotOptimize(cubic.GetValue(s[i])); });
 }
 
 }  // namespace
