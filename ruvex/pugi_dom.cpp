@@ -19,33 +19,6 @@ bool SameName(const pugi::char_t* a, std::string_view b) {
     return std::strncmp(a, b.data(), n) == 0 && a[n] == '\0';
 }
 
-std::string Describe(const IDOMElement* element) {
-    if (!element) return "the document";
-    return "<" + std::string(element->GetTagName()) + ">";
-}
-
-template <class T>
-AttributeStatus ParseAs(std::string_view text, T& value) {
-    if constexpr (std::is_same_v<T, double>)
-        return ParseDouble(text, value);
-    else if constexpr (std::is_same_v<T, bool>)
-        return ParseBool(text, value);
-    else
-        return ParseInteger(text, value);
-}
-
-template <class T>
-const char* Expected() {
-    if constexpr (std::is_same_v<T, double>)
-        return "a finite number";
-    else if constexpr (std::is_same_v<T, bool>)
-        return "true or false";
-    else if constexpr (std::is_signed_v<T>)
-        return "an integer";
-    else
-        return "a non-negative integer";
-}
-
 }  // namespace
 
 // ---- PugiNode
@@ -66,39 +39,11 @@ bool PugiNode::HasAttribute(std::string_view name) const {
     return !FindAttribute(name).empty();
 }
 
-template <class T>
-AttributeStatus PugiNode::ReadTyped(std::string_view name, T& value) const {
+bool PugiNode::RawValue(std::string_view name, std::string_view& text) const {
     pugi::xml_attribute a = FindAttribute(name);
-    if (!a) return AttributeStatus::Absent;
-    AttributeStatus status = ParseAs(std::string_view(a.value()), value);
-    if (status == AttributeStatus::Malformed)
-        m_document->ReportWarning(this, "attribute \"" + std::string(name) + "\" of " + Describe(this) +
-                                            ": expected " + Expected<T>() + ", found \"" + a.value() + "\"");
-    return status;
-}
-
-AttributeStatus PugiNode::ReadAttribute(std::string_view name, std::string& value) const {
-    pugi::xml_attribute a = FindAttribute(name);
-    if (!a) return AttributeStatus::Absent;
-    return Codec<std::string>::Read(a.value(), value);
-}
-AttributeStatus PugiNode::ReadAttribute(std::string_view name, bool& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus PugiNode::ReadAttribute(std::string_view name, int32_t& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus PugiNode::ReadAttribute(std::string_view name, uint32_t& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus PugiNode::ReadAttribute(std::string_view name, int64_t& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus PugiNode::ReadAttribute(std::string_view name, uint64_t& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus PugiNode::ReadAttribute(std::string_view name, double& value) const {
-    return ReadTyped(name, value);
+    if (!a) return false;
+    text = a.value();
+    return true;
 }
 
 void PugiNode::VisitAttributes(void* context,
@@ -109,37 +54,6 @@ void PugiNode::VisitAttributes(void* context,
 
 void PugiNode::SetRawAttribute(std::string_view name, std::string_view value) {
     GetOrAddAttribute(name).set_value(value.data(), value.size());
-}
-void PugiNode::SetAttribute(std::string_view name, std::string_view value) {
-    FormatBuffer buffer;
-    std::string text(value);
-    SetRawAttribute(name, Codec<std::string>::Format(text, buffer));
-}
-void PugiNode::SetAttribute(std::string_view name, bool value) {
-    SetRawAttribute(name, value ? "true" : "false");
-}
-void PugiNode::SetAttribute(std::string_view name, int32_t value) {
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatInteger(value, buffer));
-}
-void PugiNode::SetAttribute(std::string_view name, uint32_t value) {
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatInteger(value, buffer));
-}
-void PugiNode::SetAttribute(std::string_view name, int64_t value) {
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatInteger(value, buffer));
-}
-void PugiNode::SetAttribute(std::string_view name, uint64_t value) {
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatInteger(value, buffer));
-}
-void PugiNode::SetAttribute(std::string_view name, double value) {
-    if (!std::isfinite(value))
-        m_document->ReportProblem(
-            this, "attribute \"" + std::string(name) + "\" of " + Describe(this) + " is not a finite number");
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatDouble(value, buffer));
 }
 
 IDOMElement* PugiNode::GetFirstChild() const {

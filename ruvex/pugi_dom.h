@@ -7,6 +7,8 @@
 
 #include <pugixml.hpp>
 
+#include "typed_attributes.h"
+
 #include <deque>
 #include <memory>
 #include <string>
@@ -43,30 +45,15 @@ size_t& BuildDepth();
 // level 1); empty when there is none. Walks without recursion.
 pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth);
 
-class PugiNode final : public IDOMElement {
+class PugiNode final : public TypedAttributes<PugiNode> {
 public:
     PugiNode(pugi::xml_node node, PugiDocument* document) : m_node(node), m_document(document) {}
 
     std::string_view GetTagName() const override { return m_node.name(); }
     bool HasAttribute(std::string_view name) const override;
-    AttributeStatus ReadAttribute(std::string_view name, std::string& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, bool& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, int32_t& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, uint32_t& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, int64_t& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, uint64_t& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, double& value) const override;
     void VisitAttributes(void* context,
                          void (*visit)(void*, std::string_view, std::string_view)) const override;
 
-    using IDOMElement::SetAttribute;
-    void SetAttribute(std::string_view name, std::string_view value) override;
-    void SetAttribute(std::string_view name, bool value) override;
-    void SetAttribute(std::string_view name, int32_t value) override;
-    void SetAttribute(std::string_view name, uint32_t value) override;
-    void SetAttribute(std::string_view name, int64_t value) override;
-    void SetAttribute(std::string_view name, uint64_t value) override;
-    void SetAttribute(std::string_view name, double value) override;
     void SetRawAttribute(std::string_view name, std::string_view value) override;
 
     IDOMElement* GetFirstChild() const override;
@@ -83,12 +70,14 @@ public:
     size_t GetLine() const override;
     size_t GetColumn() const override;
 
+    // For TypedAttributes: a malformed value read from a file is reported.
+    static constexpr bool kWarnsOnMalformed = true;
+    bool RawValue(std::string_view name, std::string_view& text) const;
+
     pugi::xml_node node() const { return m_node; }
     PugiDocument* document() const { return m_document; }
 
 private:
-    template <class T>
-    AttributeStatus ReadTyped(std::string_view name, T& value) const;
     pugi::xml_attribute FindAttribute(std::string_view name) const;
     pugi::xml_attribute GetOrAddAttribute(std::string_view name);
 

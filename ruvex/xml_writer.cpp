@@ -13,21 +13,6 @@ namespace Ruvex::detail {
 
 namespace {
 
-std::string Describe(const IDOMElement* element) {
-    if (!element) return "the document";
-    return "<" + std::string(element->GetTagName()) + ">";
-}
-
-template <class T>
-AttributeStatus ParseAs(std::string_view text, T& value) {
-    if constexpr (std::is_same_v<T, double>)
-        return ParseDouble(text, value);
-    else if constexpr (std::is_same_v<T, bool>)
-        return ParseBool(text, value);
-    else
-        return ParseInteger(text, value);
-}
-
 // Output in 64 KiB pieces: appending every few bytes to the string would check its capacity each time.
 class Output {
 public:
@@ -298,35 +283,11 @@ WriteNode::Attribute* WriteNode::Find(std::string_view name) const {
     return nullptr;
 }
 
-template <class T>
-AttributeStatus WriteNode::ReadTyped(std::string_view name, T& value) const {
+bool WriteNode::RawValue(std::string_view name, std::string_view& text) const {
     const Attribute* a = Find(name);
-    if (!a) return AttributeStatus::Absent;
-    return ParseAs(a->value, value);
-}
-
-AttributeStatus WriteNode::ReadAttribute(std::string_view name, std::string& value) const {
-    const Attribute* a = Find(name);
-    if (!a) return AttributeStatus::Absent;
-    return Codec<std::string>::Read(a->value, value);
-}
-AttributeStatus WriteNode::ReadAttribute(std::string_view name, bool& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus WriteNode::ReadAttribute(std::string_view name, int32_t& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus WriteNode::ReadAttribute(std::string_view name, uint32_t& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus WriteNode::ReadAttribute(std::string_view name, int64_t& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus WriteNode::ReadAttribute(std::string_view name, uint64_t& value) const {
-    return ReadTyped(name, value);
-}
-AttributeStatus WriteNode::ReadAttribute(std::string_view name, double& value) const {
-    return ReadTyped(name, value);
+    if (!a) return false;
+    text = a->value;
+    return true;
 }
 
 void WriteNode::VisitAttributes(void* context,
@@ -360,38 +321,6 @@ void WriteNode::SetRawAttribute(std::string_view name, std::string_view value) {
         return;
     }
     AppendAttribute(name, value);
-}
-
-void WriteNode::SetAttribute(std::string_view name, std::string_view value) {
-    FormatBuffer buffer;
-    std::string text(value);
-    SetRawAttribute(name, Codec<std::string>::Format(text, buffer));
-}
-void WriteNode::SetAttribute(std::string_view name, bool value) {
-    SetRawAttribute(name, value ? "true" : "false");
-}
-void WriteNode::SetAttribute(std::string_view name, int32_t value) {
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatInteger(value, buffer));
-}
-void WriteNode::SetAttribute(std::string_view name, uint32_t value) {
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatInteger(value, buffer));
-}
-void WriteNode::SetAttribute(std::string_view name, int64_t value) {
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatInteger(value, buffer));
-}
-void WriteNode::SetAttribute(std::string_view name, uint64_t value) {
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatInteger(value, buffer));
-}
-void WriteNode::SetAttribute(std::string_view name, double value) {
-    if (!std::isfinite(value))
-        m_document->ReportProblem(
-            this, "attribute \"" + std::string(name) + "\" of " + Describe(this) + " is not a finite number");
-    FormatBuffer buffer;
-    SetRawAttribute(name, FormatDouble(value, buffer));
 }
 
 IDOMElement* WriteNode::GetFirstChild() const {

@@ -9,6 +9,8 @@
 #include <orvia/ruvex/element.h>
 #include <orvia/ruvex/factory.h>
 
+#include "typed_attributes.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -51,7 +53,7 @@ private:
 
 class WriteDocument;
 
-class WriteNode final : public IDOMElement {
+class WriteNode final : public TypedAttributes<WriteNode> {
 public:
     enum class Kind : uint8_t {
         Document,
@@ -75,24 +77,9 @@ public:
 
     std::string_view GetTagName() const override { return m_name; }
     bool HasAttribute(std::string_view name) const override { return Find(name) != nullptr; }
-    AttributeStatus ReadAttribute(std::string_view name, std::string& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, bool& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, int32_t& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, uint32_t& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, int64_t& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, uint64_t& value) const override;
-    AttributeStatus ReadAttribute(std::string_view name, double& value) const override;
     void VisitAttributes(void* context,
                          void (*visit)(void*, std::string_view, std::string_view)) const override;
 
-    using IDOMElement::SetAttribute;
-    void SetAttribute(std::string_view name, std::string_view value) override;
-    void SetAttribute(std::string_view name, bool value) override;
-    void SetAttribute(std::string_view name, int32_t value) override;
-    void SetAttribute(std::string_view name, uint32_t value) override;
-    void SetAttribute(std::string_view name, int64_t value) override;
-    void SetAttribute(std::string_view name, uint64_t value) override;
-    void SetAttribute(std::string_view name, double value) override;
     void SetRawAttribute(std::string_view name, std::string_view value) override;
 
     IDOMElement* GetFirstChild() const override;
@@ -130,9 +117,12 @@ public:
     WriteNode* next() const { return m_next; }
     WriteDocument* document() const { return m_document; }
 
+    // For TypedAttributes: values here were formatted by the model, so a malformed one is the caller's to
+    // judge.
+    static constexpr bool kWarnsOnMalformed = false;
+    bool RawValue(std::string_view name, std::string_view& text) const;
+
 private:
-    template <class T>
-    AttributeStatus ReadTyped(std::string_view name, T& value) const;
     Attribute* Find(std::string_view name) const;
     void AppendView(std::string_view name, std::string_view value);
     void Unlink();
