@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <regex>
 #include <string>
 
 using Ruvex::detail::WriteDocument;
@@ -60,6 +59,22 @@ std::string PugiText(const pugi::xml_document& document, bool latin1) {
     return writer.text;
 }
 
+// "&#N;" with N above 255 replaced by '?'.
+std::string ReferencesAsQuestionMarks(const std::string& text) {
+    std::string out;
+    size_t i = 0;
+    while (i < text.size()) {
+        const size_t end = text.compare(i, 2, "&#") == 0 ? text.find(';', i) : std::string::npos;
+        if (end != std::string::npos && std::stoul(text.substr(i + 2, end - i - 2)) > 255) {
+            out += '?';
+            i = end + 1;
+        } else {
+            out += text[i++];
+        }
+    }
+    return out;
+}
+
 void ExpectSameText(const pugi::xml_document& reference) {
     for (bool latin1 : {false, true}) {
         WriteDocument document("test");
@@ -67,12 +82,17 @@ void ExpectSameText(const pugi::xml_document& reference) {
         std::string text;
         document.Serialize(text, latin1);
         // Where pugixml writes '?' for a character beyond Latin-1, attribute values and text get a reference.
-        if (latin1)
-            text =
-                std::regex_replace(text, std::regex("&#(25[6-9]|2[6-9][0-9]|[3-9][0-9]{2}|[0-9]{4,});"), "?");
+        if (latin1) text = ReferencesAsQuestionMarks(text);
         ASSERT_EQ(text, PugiText(reference, latin1)) << (latin1 ? "Latin-1" : "UTF-8");
     }
 }
+
+// Text pieces that need care: markup, quotes, control characters, the sequences that comments, sections and
+// instructions cannot hold, and UTF-8 of one to four bytes (some malformed).
+const char* const kPieces[] = {
+    "a",    "Zz",   " ",  "&",  "<",  ">",   "\"", "'", "\t",          "\n",           "\r",
+    "\x01", "\x1f", "-",  "--", "?>", "]]>", "]",  "?", "caf\xc3\xa9", "\xe2\x82\xac", "\xf0\x9f\x98\x80",
+    "\xff", "\xc3", "1.5"};
 
 struct Random {
     uint64_t state;
@@ -81,34 +101,8 @@ struct Random {
         return static_cast<uint32_t>(state >> 33);
     }
     bool Chance(uint32_t percent) { return Next() % 100 < percent; }
-    // Text with the characters that need care: markup, quotes, control characters, the sequences that
-    // comments, sections and instructions cannot hold, and UTF-8 of one to four bytes (some malformed).
+    // Up to `maxLength` pieces.
     std::string Text(size_t maxLength) {
-        static const char* const kPieces[] = {"a",
-                                              "Zz",
-                                              " ",
-                                              "&",
-                                              "<",
-                                              ">",
-                                              "\"",
-                                              "'",
-                                              "\t",
-                                              "\n",
-                                              "\r",
-                                              "\x01",
-                                              "\x1f",
-                                              "-",
-                                              "--",
-                                              "?>",
-                                              "]]>",
-                                              "]",
-                                              "?",
-                                              "caf\xc3\xa9",
-                                              "\xe2\x82\xac",
-                                              "\xf0\x9f\x98\x80",
-                                              "\xff",
-                                              "\xc3",
-                                              "1.5"};
         std::string text;
         const size_t length = Next() % (maxLength + 1);
         for (size_t i = 0; i < length; ++i)
@@ -144,6 +138,8 @@ void Fill(pugi::xml_node node, Random& random, int depth) {
 }  // namespace
 
 TEST(WriteDocument, WritesWhatPugixmlWrites) {
+    // What the random trees below never hold: a declaration with an encoding, document types, a comment after
+    // the root, and markup in an attribute of the root.
     pugi::xml_document reference;
     pugi::xml_node declaration = reference.append_child(pugi::node_declaration);
     declaration.set_name("xml");
@@ -154,21 +150,6 @@ TEST(WriteDocument, WritesWhatPugixmlWrites) {
     reference.append_child(pugi::node_comment).set_value("made -- by hand-");
     pugi::xml_node root = reference.append_child("Ruvex");
     root.append_attribute("a").set_value("x>y<z&w\"q'r\tt\nn\rr\x01 end");
-    root.append_child("Empty");
-    root.append_child("Text").append_child(pugi::node_pcdata).set_value("a > b & c \t\n\x02");
-    pugi::xml_node mixed = root.append_child("Mixed");
-    mixed.append_child(pugi::node_pcdata).set_value("before");
-    mixed.append_child("Inner").append_attribute("k").set_value("v");
-    mixed.append_child(pugi::node_pcdata).set_value("after");
-    mixed.append_child("Last");
-    root.append_child("EmptyText").append_child(pugi::node_pcdata);
-    root.append_child(pugi::node_cdata).set_value("x ]]> y ]]]>");
-    root.append_child(pugi::node_cdata);
-    pugi::xml_node pi = root.append_child(pugi::node_pi);
-    pi.set_name("tool");
-    pi.set_value("a ?> b");
-    root.append_child(pugi::node_pi).set_name("bare");
-    root.append_child(pugi::node_comment);
     root.append_child("Deep").append_child("Deeper").append_child("Deepest").append_child(pugi::node_comment);
     reference.append_child(pugi::node_comment).set_value("after the root");
     ExpectSameText(reference);
