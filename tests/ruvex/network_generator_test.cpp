@@ -82,68 +82,40 @@ TEST(CityGenerator, SmallCityLoadsWithExpectedCounts) {
     // A row crosses every sub-network: g - 1 tracks in each, and one on each side of every junction.
     EXPECT_EQ(network->GetRoads()[0]->GetPieces().size(), n * (g - 1) + 2 * (n - 1));
 
+    // The stats the benchmark reports are what the file holds; every animated light is a sign on one of its
+    // sub-network's tracks, kept as a child no data class declares.
     size_t tracks = 0;
-    size_t pieces = 0;
-    size_t polynomials = 0;
-    size_t portions = 0;
     size_t clipped = 0;
-    size_t markClipped = 0;
-    size_t groups = 0;
     size_t animations = 0;
     for (size_t s = 0; s < n; ++s) {
         const SubNetworkElement& sub = *network->GetSubNetworks()[s];
         EXPECT_EQ(sub.GetIntersections().size(), g * g);
         const size_t ends = (s > 0 ? g : 0) + (s + 1 < n ? g : 0);
         EXPECT_EQ(sub.GetTracks().size(), 2 * g * (g - 1) + ends);
-        EXPECT_EQ(sub.GetProfiles().size(), 3u);
-        EXPECT_EQ(sub.GetMarkings().size(), 2u);
         std::set<std::string> signs;
         for (const auto& track : sub.GetTracks()) {
             ++tracks;
-            ASSERT_TRUE(track->GetXYCurve());
-            ASSERT_TRUE(track->GetSZCurve());
-            pieces += track->GetXYCurve()->GetFunctions().size();
-            polynomials += track->GetSZCurve()->GetFunctions().size();
-            if (track->GetBankingCurve()) polynomials += track->GetBankingCurve()->GetFunctions().size();
-            portions += track->GetPortions().size();
-            // The last portion ends with the track.
             EXPECT_EQ(track->GetPortions().back()->GetEndDistance(), shape.spacingM);
-            // Clipped data are no declared child of the data class: they come back kept, in their place.
             if (const PreservedContent* kept = track->GetPreserved())
                 for (const PreservedNode& node : kept->nodes) {
                     ASSERT_TRUE(node.element);
                     EXPECT_EQ(node.element->GetTagName(), "ClippedData");
-                    std::string name;
                     for (const PreservedAttribute& a : node.element->GetPreserved()->attributes)
-                        if (a.name == "name") name = a.value;
-                    signs.insert(name);
+                        if (a.name == "name") signs.insert(a.value);
                     ++clipped;
                 }
         }
-        for (const auto& intersection : sub.GetIntersections())
-            markClipped += intersection->GetClippedData().size();
-        groups += sub.GetTrafficLightGroups().size();
-        for (const auto& group : sub.GetTrafficLightGroups()) {
-            EXPECT_FALSE(group->GetAnimations().empty());
+        for (const auto& group : sub.GetTrafficLightGroups())
             for (const auto& animation : group->GetAnimations()) {
                 ++animations;
-                // Every animated light is a sign on one of the sub-network's tracks.
                 EXPECT_EQ(signs.count(animation->GetRoadSignName()), 1u) << animation->GetRoadSignName();
-                EXPECT_EQ(animation->GetStates().size(), 3u);
             }
-        }
     }
     EXPECT_EQ(tracks, stats.tracks);
-    EXPECT_EQ(pieces, stats.curvePieces);
-    EXPECT_EQ(polynomials, stats.polynomials);
-    EXPECT_EQ(portions, stats.portions);
     EXPECT_EQ(clipped, stats.trackClippedData);
-    EXPECT_EQ(markClipped, stats.markClippedData);
-    EXPECT_EQ(groups, stats.lightGroups);
     EXPECT_EQ(animations, stats.lightAnimations);
-    // A city this size has some of everything.
-    EXPECT_GT(stats.trackClippedData, 0u);
-    EXPECT_GT(stats.lightGroups, 0u);
+    EXPECT_GT(clipped, 0u);
+    EXPECT_GT(animations, 0u);
 
     // What was generated is what a load keeps: saving the loaded tree gives the same bytes.
     EXPECT_EQ(SaveToString(root.Get()), text);

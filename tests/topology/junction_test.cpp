@@ -36,7 +36,7 @@ CountedPtr<SubNetworkExit> Exit(const char* subNetwork, const char* track, const
 
 }  // namespace
 
-TEST(SubNetworkExit, PostLoadResolvesNamesAndExtremity) {
+TEST(SubNetworkJunction, PostLoadResolvesNamesAndExtremity) {
     CountedPtr<Network> network = TwoSides();
     ASSERT_TRUE(network);
     Orvia::SubNetwork* left = network->GetSubNetworkByName("L");
@@ -55,18 +55,13 @@ TEST(SubNetworkExit, PostLoadResolvesNamesAndExtremity) {
         EXPECT_FALSE(exit->IsAtStart()) << word;
     }
 
-    CountedPtr<SubNetworkExit> noSubNetwork = Exit("M", "L1", "start");
-    EXPECT_FALSE(noSubNetwork->PostLoad(network.Get()));
-    EXPECT_EQ(noSubNetwork->GetSubNetwork(), nullptr);
+    // A track is looked for in the named sub-network only.
     CountedPtr<SubNetworkExit> noTrack = Exit("L", "R1", "start");
     EXPECT_FALSE(noTrack->PostLoad(network.Get()));
     EXPECT_EQ(noTrack->GetTrack(), nullptr);
     EXPECT_FALSE(Exit("L", "L1", "start")->PostLoad(nullptr));
-}
 
-TEST(SubNetworkJunction, PostLoadStopsAtTheFirstFailingExit) {
-    CountedPtr<Network> network = TwoSides();
-    ASSERT_TRUE(network);
+    // A junction's post-load stops at the first exit that fails.
     SubNetworkJunction* junction = network->CreateSubNetworkJunction("J");
     junction->SetInNetwork(nullptr);
     junction->AddExit(Exit("L", "L1", "end").Get());
@@ -97,8 +92,6 @@ TEST(SubNetworkJunction, ExitsFollowTheirTracks) {
 
     SubNetworkJunction* junction = network->CreateSubNetworkJunction("J");
     CountedPtr<SubNetworkExit> atL1(new SubNetworkExit(l1, false));
-    EXPECT_EQ(atL1->GetSubNetworkName(), "L");
-    EXPECT_EQ(atL1->GetTrackName(), "L1");
     EXPECT_EQ(atL1->GetExtremity(), "end");
     junction->AddExit(atL1.Get());
     junction->AddExit(new SubNetworkExit(r1, true));
@@ -107,10 +100,8 @@ TEST(SubNetworkJunction, ExitsFollowTheirTracks) {
     EXPECT_EQ(junction->GetSubNetworkExitCount(), 3u);
     EXPECT_EQ(junction->GetSubNetworkExit(r1, false), junction->GetSubNetworkExit(2));
     EXPECT_EQ(junction->GetSubNetworkExit(l1, true), nullptr);
-    EXPECT_EQ(network->GetSubNetworkJunction(r1, true), junction);
     EXPECT_EQ(r1->GetStartSubNetworkJunction(), junction);
     EXPECT_EQ(l1->GetStartSubNetworkJunction(), nullptr);
-    EXPECT_EQ(l1->FindEndNode(), junction);
     EXPECT_TRUE(junction->ConnectsSubNetwork(left));
 
     // Renamed objects reach the records through UpdateNames.
@@ -140,13 +131,10 @@ TEST(SubNetworkJunction, PositionAndNameThroughTheConnector) {
     CountedPtr<SubNetworkJunction> junction(new SubNetworkJunction);
     Orvia::TrackConnector* connector = junction.Get();
     connector->SetPosition(vek::Vector3(4, 5, 6));
-    EXPECT_EQ(junction->GetPosition(), vek::Vector3(4, 5, 6));
     junction->SetName("Bridge");
     EXPECT_EQ(connector->GetConnectorName(), "Bridge");
     EXPECT_EQ(connector->GetAsSubNetworkJunction(), junction.Get());
     EXPECT_EQ(connector->GetAsIntersection(), nullptr);
-    EXPECT_EQ(connector->GetInSubNetwork(), nullptr);
-    EXPECT_EQ(connector->GetNetwork(), nullptr);
 
     // Position and exits are saved with the junction's record.
     junction->AddExit(Exit("A", "T", "end").Get());

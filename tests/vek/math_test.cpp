@@ -12,8 +12,7 @@ using vek::Vector2;
 TEST(Vector, ProductsAndComparisons) {
     EXPECT_EQ(Vector2(1, 0).cross(Vector2(0, 1)), 1);  // second counter-clockwise from the first
     EXPECT_EQ(vek::Vector3(0, 1, 0).cross(vek::Vector3(0, 0, 1)), vek::Vector3(1, 0, 0));
-    EXPECT_EQ(Vector2().normalized(), Vector2());
-    EXPECT_DOUBLE_EQ(Vector2(3, 4).normalized().x, 0.6);
+    EXPECT_EQ(Vector2().normalized(), Vector2());  // no direction, no NaN
     EXPECT_TRUE(Vector2(1, 1).isEqual(Vector2(1.1, 0.9), 0.1 + 1e-12));
     EXPECT_FALSE(Vector2(1, 1).isEqual(Vector2(1.0, 1.2), 0.1));
     EXPECT_FALSE(vek::isEqual(vek::Vector3(), vek::Vector3(0, 0, std::nan("")), 1.0));
