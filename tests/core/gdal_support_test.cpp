@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <numbers>
-#include <random>
 #include <string>
 
 namespace {
@@ -21,12 +19,6 @@ constexpr double kProjectedToleranceM = 1e-3;
 // three-parameter NTF -> WGS84 transformation.
 constexpr double kDatumShiftToleranceM = 2.0;
 constexpr double kMetresPerDegree = 111320.0;  // along a meridian, near enough for tolerances
-
-// Bounds of EPSG 27562 "NTF (Paris) / Lambert Centre France", metres.
-constexpr double kCentreMinX = 50198.0586;
-constexpr double kCentreMaxX = 1016966.9382;
-constexpr double kCentreMinY = 64100.6841;
-constexpr double kCentreMaxY = 373525.1009;
 
 // Geodetic (degrees, ellipsoidal height 0) -> geocentric metres.
 void GeodeticToGeocentric(double a, double e2, double latDeg, double lonDeg, double xyz[3]) {
@@ -85,20 +77,16 @@ TEST(GdalQuietErrorScope, CapturesInsteadOfPrinting) {
     EXPECT_EQ(printed, "");
 }
 
-TEST(GdalSpatialReference, BuiltInLambertNordFrance) {
+TEST(GdalSpatialReference, BuiltInLambertNordFranceAndOtherSources) {
     const SpatialReference builtIn = SpatialReference::FromWkt(Orvia::Gdal::kLambertNordFranceWkt);
     ASSERT_FALSE(builtIn.IsEmpty()) << Orvia::Gdal::LastErrorMessage();
     EXPECT_TRUE(builtIn.IsProjected());
     EXPECT_EQ(builtIn.GetEpsgCode(), Orvia::Gdal::kLambertNordFranceEpsg);
     EXPECT_EQ(builtIn.GetGeographicEpsgCode(), 4807);
-    EXPECT_EQ(builtIn.GetAttribute("PROJCS").value_or(""), "NTF (Paris) / Lambert Nord France");
-    EXPECT_EQ(builtIn.GetAttribute("GEOGCS").value_or(""), "NTF (Paris)");
     EXPECT_EQ(builtIn.GetAttribute("AUTHORITY", 1).value_or(""), "27561");
     EXPECT_FALSE(builtIn.GetAttribute("NO_SUCH_NODE").has_value());
 
-    const SpatialReference fromDatabase = SpatialReference::FromEpsg(27561);
-    ASSERT_FALSE(fromDatabase.IsEmpty());
-    EXPECT_TRUE(builtIn.IsSame(fromDatabase));
+    EXPECT_TRUE(builtIn.IsSame(SpatialReference::FromEpsg(27561)));
     EXPECT_FALSE(builtIn.IsSame(SpatialReference::FromEpsg(27562)));
 
     // Both exports read back as the same system; the copy outlives its original.
@@ -112,23 +100,10 @@ TEST(GdalSpatialReference, BuiltInLambertNordFrance) {
     EXPECT_NE(builtIn.ExportPrettyWkt().find('\n'), std::string::npos);
     EXPECT_EQ(builtIn.ExportWkt().find('\n'), std::string::npos);
     EXPECT_TRUE(SpatialReference::FromWkt(builtIn.ExportWkt()).IsSame(builtIn));
-}
 
-TEST(GdalSpatialReference, OtherSources) {
-    const SpatialReference wgs84 = SpatialReference::Wgs84();
-    ASSERT_FALSE(wgs84.IsEmpty());
-    EXPECT_FALSE(wgs84.IsProjected());
-    EXPECT_EQ(wgs84.GetEpsgCode(), 4326);
-    EXPECT_TRUE(wgs84.IsSame(SpatialReference::FromEpsg(4326)));
-
-    const SpatialReference utm =
-        SpatialReference::FromProj4("+proj=utm +zone=31 +datum=WGS84 +units=m +no_defs");
-    ASSERT_FALSE(utm.IsEmpty());
-    EXPECT_TRUE(utm.IsProjected());
-    EXPECT_EQ(utm.GetEpsgCode(), 0);  // a PROJ.4 string carries no authority
-    EXPECT_EQ(utm.GetGeographicEpsgCode(), 0);
-    EXPECT_TRUE(utm.IsSame(SpatialReference::FromEpsg(32631)));
-
+    // A PROJ.4 string carries no authority; an empty reference is like nothing, not even itself.
+    EXPECT_EQ(SpatialReference::FromProj4("+proj=utm +zone=31 +datum=WGS84 +units=m +no_defs").GetEpsgCode(),
+              0);
     const SpatialReference empty;
     EXPECT_EQ(empty.ExportWkt(), "");
     EXPECT_FALSE(empty.IsSame(empty));
@@ -144,8 +119,6 @@ TEST(GdalSpatialReference, BadDefinitionsFailQuietly) {
 
         EXPECT_FALSE(srs.ImportWkt("not a projection"));
         EXPECT_FALSE(Orvia::Gdal::LastErrorMessage().empty());
-        EXPECT_FALSE(srs.ImportWkt("PROJCS[\"cut\",GEOGCS["));
-        EXPECT_FALSE(srs.ImportWkt(""));
         EXPECT_FALSE(srs.ImportProj4("not a projection"));
         EXPECT_FALSE(srs.ImportProj4("+proj=nosuchprojection +ellps=WGS84"));
         EXPECT_NE(Orvia::Gdal::LastErrorMessage().find("projection"), std::string::npos)
@@ -174,28 +147,6 @@ TEST(GdalSpatialReference, BadDefinitionsFailQuietly) {
         EXPECT_FALSE(toCentre.Transform(x, y, z));
     });
     EXPECT_EQ(printed, "");
-}
-
-TEST(GdalCoordinateTransformation, LongitudeFirst) {
-    // UTM zone 31 north is centred on 3 degrees east: the equator there maps to (500000, 0) exactly.
-    const CoordinateTransformation toUtm = CoordinateTransformation::Between(
-        SpatialReference::FromEpsg(4326), SpatialReference::FromEpsg(32631));
-    ASSERT_FALSE(toUtm.IsEmpty());
-    double x = 3.0;
-    double y = 0.0;
-    double z = 0.0;
-    ASSERT_TRUE(toUtm.Transform(x, y, z));
-    EXPECT_NEAR(x, 500000.0, kProjectedToleranceM);
-    EXPECT_NEAR(y, 0.0, kProjectedToleranceM);
-
-    // Longitude first on both sides even though EPSG 4326 is latitude first by authority.
-    const CoordinateTransformation identity =
-        CoordinateTransformation::Between(SpatialReference::Wgs84(), SpatialReference::FromEpsg(4326));
-    x = 2.0;
-    y = 48.0;
-    ASSERT_TRUE(identity.Transform(x, y, z));
-    EXPECT_DOUBLE_EQ(x, 2.0);
-    EXPECT_DOUBLE_EQ(y, 48.0);
 }
 
 TEST(GdalCoordinateTransformation, LambertNordFranceOrigin) {
@@ -240,39 +191,8 @@ TEST(GdalCoordinateTransformation, LambertNordFranceOrigin) {
     EXPECT_GT(std::abs(x - originLonGreenwich) * metresPerDegreeLon, 50.0);
 }
 
-TEST(GdalCoordinateTransformation, LambertCentreRoundTrip) {
-    const SpatialReference centre = SpatialReference::FromEpsg(27562);
-    const SpatialReference wgs84 = SpatialReference::Wgs84();
-    const CoordinateTransformation toWgs84 = CoordinateTransformation::Between(centre, wgs84);
-    const CoordinateTransformation toCentre = CoordinateTransformation::Between(wgs84, centre);
-    ASSERT_FALSE(toWgs84.IsEmpty());
-    ASSERT_FALSE(toCentre.IsEmpty());
-
-    std::mt19937 random(27562);
-    std::uniform_real_distribution<double> randomX(kCentreMinX, kCentreMaxX);
-    std::uniform_real_distribution<double> randomY(kCentreMinY, kCentreMaxY);
-    for (int i = 0; i < 1000; ++i) {
-        const double x0 = randomX(random);
-        const double y0 = randomY(random);
-        double x = x0;
-        double y = y0;
-        double z = 0.0;
-        ASSERT_TRUE(toWgs84.Transform(x, y, z));
-        // Longitude first: France lies between 5 degrees west and 10 east, 41 and 52 north.
-        ASSERT_TRUE(x > -6.0 && x < 11.0 && y > 41.0 && y < 52.0) << x << ", " << y;
-        ASSERT_TRUE(toCentre.Transform(x, y, z));
-        ASSERT_NEAR(x, x0, kProjectedToleranceM);
-        ASSERT_NEAR(y, y0, kProjectedToleranceM);
-    }
-}
-
 TEST(GdalDataLocation, SetAndUnset) {
-    const bool fromEnvironment = std::getenv("GDAL_DATA") != nullptr;
     const std::string before = Orvia::Gdal::GetDataLocation();
-    if (!fromEnvironment) {
-        EXPECT_EQ(before, Orvia::Gdal::kDataLocationUndefined);
-    }
-
     Orvia::Gdal::SetDataLocation("/opt/orvia/gdal-data");
     EXPECT_EQ(Orvia::Gdal::GetDataLocation(), "/opt/orvia/gdal-data");
     Orvia::Gdal::SetDataLocation(nullptr);

@@ -41,40 +41,23 @@ CountedPtr<Network> LoadNetwork(const std::string& networkElement) {
 // Two sub-networks joined by junction J between West/DX (end) and East/XE (start). Both sub-networks have an
 // intersection named A.
 std::string TwoQuarters(const std::string& roads, const std::string& moreJunctions = "") {
-    return R"(<Network name="Town">
-  <SubNetworks>
-    <SubNetwork name="West">
-      <Intersections>
-        <Intersection name="A" x="0"/><Intersection name="B" x="100"/>
-        <Intersection name="C" x="200"/><Intersection name="D" x="300"/>
-      </Intersections>
-      <Tracks>
-        <Track name="AB" startIntersectionName="A" endIntersectionName="B"/>
-        <Track name="BC" startIntersectionName="B" endIntersectionName="C"/>
-        <Track name="CD" startIntersectionName="C" endIntersectionName="D"/>
-        <Track name="AD" startIntersectionName="A" endIntersectionName="D"/>
-        <Track name="DX" startIntersectionName="D"/>
-      </Tracks>
-    </SubNetwork>
-    <SubNetwork name="East" x="500">
-      <Intersections><Intersection name="A"/><Intersection name="E" x="50"/></Intersections>
-      <Tracks>
-        <Track name="XE" endIntersectionName="E"/>
-        <Track name="AE" startIntersectionName="A" endIntersectionName="E"/>
-      </Tracks>
-    </SubNetwork>
-  </SubNetworks>
-  <SubNetworkJunctions>
-    <SubNetworkJunction name="J" x="450">
-      <SubNetworkExit subNetwork="West" track="DX" extremity="end"/>
-      <SubNetworkExit subNetwork="East" track="XE" extremity="start"/>
-    </SubNetworkJunction>)" +
-           moreJunctions + R"(
-  </SubNetworkJunctions>
-  <Roads>)" +
-           roads +
-           R"(</Roads>
-</Network>)";
+    return R"(<Network name="Town"><SubNetworks>
+  <SubNetwork name="West"><Intersections>
+    <Intersection name="A" x="0"/><Intersection name="B" x="100"/>
+    <Intersection name="C" x="200"/><Intersection name="D" x="300"/></Intersections><Tracks>
+    <Track name="AB" startIntersectionName="A" endIntersectionName="B"/>
+    <Track name="BC" startIntersectionName="B" endIntersectionName="C"/>
+    <Track name="CD" startIntersectionName="C" endIntersectionName="D"/>
+    <Track name="AD" startIntersectionName="A" endIntersectionName="D"/>
+    <Track name="DX" startIntersectionName="D"/></Tracks></SubNetwork>
+  <SubNetwork name="East" x="500">
+    <Intersections><Intersection name="A"/><Intersection name="E" x="50"/></Intersections><Tracks>
+    <Track name="XE" endIntersectionName="E"/><Track name="AE" startIntersectionName="A" endIntersectionName="E"/>
+  </Tracks></SubNetwork></SubNetworks>
+  <SubNetworkJunctions><SubNetworkJunction name="J" x="450">
+    <SubNetworkExit subNetwork="West" track="DX" extremity="end"/>
+    <SubNetworkExit subNetwork="East" track="XE" extremity="start"/></SubNetworkJunction>)" +
+           moreJunctions + "</SubNetworkJunctions><Roads>" + roads + "</Roads></Network>";
 }
 
 std::string RoadOf(const std::string& name, std::initializer_list<const char*> pieces) {
@@ -134,24 +117,6 @@ private:
 
 }  // namespace
 
-TEST(Network, TrafficHandTexts) {
-    EXPECT_EQ(Network::ToETrafficHandType("right-hand"), Network::eRightHand);
-    EXPECT_EQ(Network::ToETrafficHandType("left-hand"), Network::eLeftHand);
-    EXPECT_EQ(Network::ToETrafficHandType("not defined"), Network::eNotDefined);
-    EXPECT_EQ(Network::ToETrafficHandType("Right-hand"), Network::eNotDefined);
-    EXPECT_EQ(Network::ToETrafficHandType(""), Network::eNotDefined);
-    EXPECT_EQ(Network::ToText(Network::eRightHand), "right-hand");
-    EXPECT_EQ(Network::ToText(Network::eLeftHand), "left-hand");
-    EXPECT_EQ(Network::ToText(static_cast<Network::ETrafficHandType>(7)), "not defined");
-
-    CountedPtr<Network> network(new Network);
-    EXPECT_EQ(network->GetHandType(), Network::eRightHand);
-    network->SetHandType(Network::eLeftHand);
-    EXPECT_EQ(network->GetTrafficHand(), "left-hand");
-    network->SetTrafficHand("on the left");
-    EXPECT_EQ(network->GetHandType(), Network::eNotDefined);
-}
-
 TEST(Network, UniqueNameRule) {
     EXPECT_EQ(UniqueRoadName({"Road", "Road 1", "Road 2"}, "Road"), "Road 3");
     EXPECT_EQ(UniqueRoadName({"Road", "Road 3"}, "Road"), "Road 4");
@@ -187,14 +152,14 @@ TEST(Network, MakeNamesUniqueOnLoad) {
 </Network>)");
     ASSERT_TRUE(network);
     std::vector<std::string> subNetworks;
+    std::vector<std::string> junctions;
     for (size_t i = 0; i < network->GetSubNetworkCount(); ++i)
         subNetworks.push_back(network->GetSubNetwork(i)->GetName());
+    for (size_t i = 0; i < network->GetSubNetworkJunctionCount(); ++i)
+        junctions.push_back(network->GetSubNetworkJunction(i)->GetName());
     // An unnamed sub-network's default name is not remembered, so the later "Sub Network" keeps its name.
     EXPECT_EQ(subNetworks,
               (std::vector<std::string>{"A", "A 1", "Sub Network 1", "Sub Network", "Sub Network 2"}));
-    std::vector<std::string> junctions;
-    for (size_t i = 0; i < network->GetSubNetworkJunctionCount(); ++i)
-        junctions.push_back(network->GetSubNetworkJunction(i)->GetName());
     EXPECT_EQ(junctions,
               (std::vector<std::string>{"SubNetworkJunction", "SubNetworkJunction 1", "X", "X 1"}));
     EXPECT_EQ(network->GetRoad(0)->GetName(), "R");
@@ -224,7 +189,6 @@ TEST(Network, LoadFromMemoryAndFile) {
     CountedPtr<Network> network(Network::Load(text.c_str(), 5, {}));
     ASSERT_TRUE(network);
     EXPECT_EQ(network->getFileName(), "buffer");
-    EXPECT_EQ(network->GetName(), "Whole");
     EXPECT_EQ(network->GetSubNetworkCount(), 1u);
     EXPECT_EQ(network->GetFormatVersion(), Ruvex::MakeVersionID(2, 5, 0));
 
@@ -252,7 +216,6 @@ TEST(Network, OldLayoutGoesThroughTheConverter) {
     CountedPtr<Network> network(Network::Load(old, 0, {}));
     ASSERT_TRUE(network);
     EXPECT_EQ(network->GetFormatVersion(), Ruvex::MakeVersionID(2, 2, 2));
-    EXPECT_EQ(network->GetName(), "Old");
     EXPECT_EQ(network->GetHandType(), Network::eLeftHand);
     ASSERT_EQ(network->GetSubNetworkCount(), 1u);
     EXPECT_EQ(network->GetSubNetwork(0)->GetName(), "A");
@@ -277,24 +240,19 @@ TEST(Network, PostLoadResolvesAndDropsJunctionsHighestFirst) {
     EXPECT_EQ(network->GetSubNetworkJunction(0)->GetName(), "J");
     EXPECT_EQ(network->GetSubNetworkJunction(1)->GetName(), "Kept");
     EXPECT_EQ(network->GetSubNetworkJunctionIndex(network->GetSubNetworkJunctionByName("Kept")), 1u);
-    EXPECT_EQ(network->GetSubNetworkJunctionByName("Broken track"), nullptr);
 
     // Exits, track ends and junction lookups are linked.
     Orvia::Track* dx = TrackOf(*network, "West", "DX");
     Orvia::Track* xe = TrackOf(*network, "East", "XE");
     Orvia::SubNetworkJunction* j = network->GetSubNetworkJunction(0);
-    EXPECT_EQ(j->GetNetwork(), network.Get());
     EXPECT_EQ(network->GetSubNetworkJunction(dx, false), j);
     EXPECT_EQ(network->GetSubNetworkJunction(dx, true), nullptr);
     EXPECT_EQ(dx->FindEndNode(), j);
     EXPECT_EQ(xe->FindStartNode(), j);
     EXPECT_EQ(dx->FindStartNode(), network->GetSubNetworkByName("West")->GetIntersectionByName("D"));
-    // "END" is not "start": an end.
-    EXPECT_EQ(network->GetSubNetworkJunction(TrackOf(*network, "East", "AE"), false),
-              network->GetSubNetworkJunction(1));
 }
 
-TEST(Network, RoadsRegisterWithTheirTracks) {
+TEST(Network, RoadsRegisterWithTracksAndDeletingMovesTheLastRoad) {
     CountedPtr<Network> network =
         LoadNetwork(TwoQuarters(RoadOf("R0", {"West/AB"}) + RoadOf("R1", {"West/BC", "Nowhere/AB"}) +
                                 RoadOf("R2", {"West/CD", "West/AB", "West/AB"})));
@@ -303,19 +261,13 @@ TEST(Network, RoadsRegisterWithTheirTracks) {
     EXPECT_EQ(TrackOf(*network, "West", "BC")->GetInRoad(), (std::vector<uint64_t>{1}));
     EXPECT_EQ(TrackOf(*network, "West", "CD")->GetInRoad(), (std::vector<uint64_t>{2}));
     EXPECT_EQ(TrackOf(*network, "West", "AB")->GetInRoad(1), network->GetRoad(2));
-    EXPECT_EQ(network->GetRoadIndexByName("R1"), 1u);
     EXPECT_EQ(network->GetRoadIndexByName("r1"), Network::npos);
-    EXPECT_EQ(network->GetRoad(1)->GetTrack(1, network.Get()), nullptr);
 
     // Post-loading again does not register twice.
     network->PostLoad({});
     EXPECT_EQ(TrackOf(*network, "West", "AB")->GetInRoad(), (std::vector<uint64_t>{0, 2}));
-}
 
-TEST(Network, DeleteRoadMovesTheLastRoadIntoItsPlace) {
-    CountedPtr<Network> network = LoadNetwork(TwoQuarters(
-        RoadOf("R0", {"West/AB"}) + RoadOf("R1", {"West/BC"}) + RoadOf("R2", {"West/CD", "West/AB"})));
-    ASSERT_TRUE(network);
+    // Deleting a road moves the last one into its place.
     Orvia::Road* r2 = network->GetRoad(2);
     ASSERT_TRUE(network->DeleteRoad(0));
     ASSERT_EQ(network->GetRoadCount(), 2u);
@@ -337,9 +289,8 @@ TEST(Network, DeleteRoadMovesTheLastRoadIntoItsPlace) {
 TEST(Network, AddAndRemoveTracksOfRoads) {
     CountedPtr<Network> network = LoadNetwork(TwoQuarters(""));
     ASSERT_TRUE(network);
-    Orvia::Road* first = network->AddRoad();
+    EXPECT_EQ(network->AddRoad()->GetName(), "Road");
     Orvia::Road* second = network->AddRoad();
-    EXPECT_EQ(first->GetName(), "Road");
     EXPECT_EQ(second->GetName(), "Road 1");
     EXPECT_EQ(second->GetPriorityLevel(), std::numeric_limits<uint64_t>::max());
 
@@ -460,16 +411,23 @@ TEST(Network, SymmetrizeRespectYAxisTwiceRestores) {
     <SubNetwork name="Zero" x="10" y="5" heading="0"><ProxyFile filePath="zero.xml"/>
       <Intersections><Intersection name="I" x="3" y="4" contourPoints="1 1 2 1"/></Intersections>
     </SubNetwork>
-    <SubNetwork name="One" x="-7" heading="1"/>
+    <SubNetwork name="One" x="-7" y="3" heading="1">
+      <Intersections><Intersection name="P" x="13" y="-6" z="2"/></Intersections></SubNetwork>
     <SubNetwork name="Big" heading="5.5"/>
   </SubNetworks>
   <SubNetworkJunctions><SubNetworkJunction name="J" x="12" y="3"/></SubNetworkJunctions>
 </Network>)");
     ASSERT_TRUE(network);
+    // A point placed by a turned sub-network lands on the mirror of where it was.
+    const Orvia::SubNetwork* one = network->GetSubNetwork(1);
+    const vek::Vector3 before = one->GetTransform().apply(one->GetIntersectionByIndex(0)->GetPosition());
     network->SymmetrizeRespectYAxis();
+    const vek::Vector3 after = one->GetTransform().apply(one->GetIntersectionByIndex(0)->GetPosition());
+    EXPECT_NEAR(after.x, -before.x, kLengthToleranceM);
+    EXPECT_NEAR(after.y, before.y, kLengthToleranceM);
+    EXPECT_NEAR(after.z, before.z, kLengthToleranceM);
     const Orvia::SubNetwork* zero = network->GetSubNetwork(0);
-    EXPECT_EQ(zero->GetPosition().x, -10.0);
-    EXPECT_EQ(zero->GetPosition().y, 5.0);
+    EXPECT_EQ(zero->GetPosition(), vek::Vector3(-10, 5, 0));
     EXPECT_EQ(zero->GetHeading(), 0.0);
     EXPECT_NEAR(network->GetSubNetwork(1)->GetHeading(), 2 * std::numbers::pi - 1, kAngleToleranceRad);
     EXPECT_NEAR(network->GetSubNetwork(2)->GetHeading(), 2 * std::numbers::pi - 5.5, kAngleToleranceRad);
@@ -481,35 +439,16 @@ TEST(Network, SymmetrizeRespectYAxisTwiceRestores) {
     EXPECT_FALSE(network->GetPhysicalSurface()->GetFlipped());
     EXPECT_FALSE(network->GetRollingSurface()->GetFlipped());
 
-    // A mirrored point of a sub-network is the mirror of the point.
-    const vek::Vector3 local(3, 4, 0);
     network->SymmetrizeRespectYAxis();
-    for (size_t i = 0; i < 3; ++i)
-        EXPECT_LT(network->GetSubNetwork(i)->GetHeading(), 2 * std::numbers::pi);
     EXPECT_EQ(zero->GetHeading(), 0.0);
     EXPECT_NEAR(network->GetSubNetwork(1)->GetHeading(), 1.0, kAngleToleranceRad);
     EXPECT_NEAR(network->GetSubNetwork(2)->GetHeading(), 5.5, kAngleToleranceRad);
     EXPECT_EQ(network->GetSubNetwork(1)->GetPosition().x, -7.0);
     EXPECT_EQ(network->GetSubNetworkJunction(0)->GetPosition().x, 12.0);
-    EXPECT_EQ(zero->GetIntersectionByIndex(0)->GetPosition(), local);
+    EXPECT_EQ(zero->GetIntersectionByIndex(0)->GetPosition(), vek::Vector3(3, 4, 0));
     EXPECT_FALSE(zero->GetProxyFile()->GetFlipped());
     EXPECT_FALSE(network->GetGlobalTerrain()->GetFlipped());
     EXPECT_TRUE(network->GetPhysicalSurface()->GetFlipped());
-}
-
-TEST(Network, MirroredSubNetworkPlacesPointsAtTheirMirror) {
-    CountedPtr<Network> network = LoadNetwork(R"(<Network><SubNetworks>
-    <SubNetwork name="S" x="40" y="-20" heading="0.7">
-      <Intersections><Intersection name="I" x="13" y="-6" z="2"/></Intersections>
-    </SubNetwork></SubNetworks></Network>)");
-    ASSERT_TRUE(network);
-    const Orvia::SubNetwork* s = network->GetSubNetwork(0);
-    const vek::Vector3 before = s->GetTransform().apply(s->GetIntersectionByIndex(0)->GetPosition());
-    network->SymmetrizeRespectYAxis();
-    const vek::Vector3 after = s->GetTransform().apply(s->GetIntersectionByIndex(0)->GetPosition());
-    EXPECT_NEAR(after.x, -before.x, kLengthToleranceM);
-    EXPECT_NEAR(after.y, before.y, kLengthToleranceM);
-    EXPECT_NEAR(after.z, before.z, kLengthToleranceM);
 }
 
 TEST(Network, BoundingBoxOfPlacedSubNetworks) {
@@ -536,13 +475,10 @@ TEST(Network, BoundingBoxOfPlacedSubNetworks) {
 
 TEST(Network, ExternalFiles) {
     CountedPtr<Network> network(new Network);
-    EXPECT_EQ(network->GetGlobalTerrainFilePath(), "");
     network->SetGlobalTerrainFilePath("ground/terrain.obj");
-    ASSERT_NE(network->GetGlobalTerrain(), nullptr);
     EXPECT_EQ(network->GetGlobalTerrain()->GetTagName(), "ExternalTerrain");
-    EXPECT_EQ(network->GetGlobalTerrainFilePath(), "ground/terrain.obj");
     network->GetGlobalTerrain()->SetFlipped(true);
-    network->SetGlobalTerrainFilePath("ground/other.obj");
+    network->SetGlobalTerrainFilePath("ground/other.obj");  // a new file: a new element
     EXPECT_FALSE(network->GetGlobalTerrain()->GetFlipped());
     network->SetRollingSurfaceFilePath("r.srf");
     network->SetPhysicalSurfaceFilePath("p.phy");
@@ -550,19 +486,12 @@ TEST(Network, ExternalFiles) {
     EXPECT_EQ(network->GetPhysicalSurface()->GetTagName(), "ExternalPhysicSurface");
     network->SetRollingSurfaceFilePath("");
     EXPECT_EQ(network->GetRollingSurface(), nullptr);
-    EXPECT_EQ(network->GetRollingSurfaceFilePath(), "");
-
-    CountedPtr<Orvia::ExternalElement> mine(new Orvia::ExternalElement("Whatever", "x"));
-    network->SetPhysicalSurface(mine.Get());
-    EXPECT_EQ(network->GetPhysicalSurface(), mine.Get());
 
     // A physical surface read from a file is a runtime external element and keeps what it does not know.
     CountedPtr<Network> loaded = LoadNetwork(
         R"(<Network><ExternalPhysicSurface filePath="p.phy" flipped="true" vendor="x"/></Network>)");
     ASSERT_TRUE(loaded);
-    ASSERT_NE(loaded->GetPhysicalSurface(), nullptr);
     EXPECT_EQ(loaded->GetPhysicalSurfaceFilePath(), "p.phy");
-    EXPECT_TRUE(loaded->GetPhysicalSurface()->GetFlipped());
     EXPECT_NE(Ruvex::SaveToString(loaded.Get())
                   .find(R"(<ExternalPhysicSurface filePath="p.phy" flipped="true" vendor="x")"),
               std::string::npos);
@@ -598,19 +527,16 @@ TEST(Network, BackgroundImagesByCameraIndex) {
     EXPECT_GT(saved.find("<BackgroundImage"), saved.find("<Geolocalisation"));
 }
 
-TEST(Network, GeneratedTerrainMaterial) {
+TEST(Network, GeneratedTerrainMaterialReplacedInItsHolder) {
     CountedPtr<Network> network(new Network);
-    EXPECT_EQ(network->GetGeneratedTerrainMaterial(), nullptr);
     CountedPtr<Ruvex::MaterialElement> grass(new Ruvex::MaterialElement);
-    grass->SetName("Grass");
     network->SetGeneratedTerrainMaterial(grass.Get());
-    EXPECT_EQ(network->GetGeneratedTerrainMaterial(), grass.Get());
     Ruvex::GeneratedTerrainMaterialElement* holder = network->GetGeneratedTerrainMaterialElement();
     CountedPtr<Ruvex::MaterialElement> sand(new Ruvex::MaterialElement);
     network->SetGeneratedTerrainMaterial(sand.Get());
     EXPECT_EQ(network->GetGeneratedTerrainMaterialElement(), holder);
     EXPECT_EQ(network->GetGeneratedTerrainMaterial(), sand.Get());
-    EXPECT_EQ(grass->GetRefCount(), 1u);
+    EXPECT_EQ(grass->GetRefCount(), 1u);  // the old one released
 }
 
 TEST(Network, ApplyProjectionSystem) {
@@ -634,33 +560,27 @@ TEST(Network, ApplyProjectionSystem) {
 
 TEST(Network, SubNetworksAndJunctionsByHand) {
     CountedPtr<Network> network(new Network);
-    Orvia::SubNetwork* first = network->AddSubNetwork();
-    EXPECT_EQ(first->GetNetwork(), network.Get());
+    network->AddSubNetwork();
     CountedPtr<Orvia::SubNetwork> loose(new Orvia::SubNetwork);
     Orvia::Track* track = loose->CreateTrack("T");
     Orvia::Intersection* end = loose->CreateIntersection(vek::Vector3(1, 2, 3), "I");
     track->SetEndIntersectionName("I");
     network->AddSubNetwork(loose.Get());
-    EXPECT_EQ(network->GetSubNetworkIndex(loose.Get()), 1u);
     EXPECT_EQ(loose->GetNetwork(), network.Get());
     EXPECT_EQ(track->GetEndIntersection(), end);  // post-loaded when added
-    EXPECT_EQ(network->GetSubNetworkIndex(nullptr), Network::npos);
-    EXPECT_EQ(network->GetSubNetwork(2), nullptr);
     EXPECT_EQ(network->GetSubNetworkByName(nullptr), nullptr);
 
     Orvia::SubNetworkJunction* unnamed = network->AddSubNetworkJunction();
     Orvia::SubNetworkJunction* named = network->CreateSubNetworkJunction("SubNetworkJunction");
     EXPECT_EQ(unnamed->GetName(), "");
-    EXPECT_EQ(named->GetNetwork(), network.Get());
     EXPECT_EQ(network->GetUniqueJunctionName("SubNetworkJunction"), "SubNetworkJunction 1");
     EXPECT_TRUE(network->RemoveSubNetworkJunction(unnamed));
     EXPECT_FALSE(network->RemoveSubNetworkJunction(unnamed));
     EXPECT_FALSE(network->RemoveSubNetworkJunction(3));
     EXPECT_EQ(network->GetSubNetworkJunction(0), named);
 
-    network->Clear();
+    network->Clear();  // the geolocalisation stays
     EXPECT_EQ(network->GetSubNetworkCount(), 0u);
-    EXPECT_EQ(network->GetSubNetworkJunctionCount(), 0u);
     EXPECT_NE(network->GetGeolocalisation(), nullptr);
 }
 
@@ -668,14 +588,9 @@ TEST(Network, ExampleSavesAndReloadsUnchanged) {
     const std::string example = std::string(ORVIA_SOURCE_DIR) + "/examples/city_centre.xml";
     CountedPtr<Network> network(Network::Load(example.c_str(), {}));
     ASSERT_TRUE(network);
-    EXPECT_EQ(network->GetSubNetworkCount(), 2u);
-    EXPECT_EQ(network->GetSubNetworkJunctionCount(), 1u);
-    EXPECT_EQ(network->GetRoadCount(), 2u);
+    EXPECT_EQ(network->GetSubNetworkJunctionCount(), 1u);  // its junction resolves
     EXPECT_EQ(network->GetBackGroundImages().size(), 2u);
-    EXPECT_EQ(network->GetGeolocalisation()->GetDocumentESPG(), 2154u);
     EXPECT_EQ(network->GetGeolocalisation()->GetDocumentProjectionName(), "RGF93 v1 / Lambert-93");
-    vek::Box3 box;
-    EXPECT_TRUE(network->GetBoundingBox(box));
 
     TempDir dir;
     const std::filesystem::path first = dir.path() / "first.xml";
