@@ -261,7 +261,10 @@ TEST(Network, RoadsRegisterWithTracksAndDeletingMovesTheLastRoad) {
     EXPECT_EQ(TrackOf(*network, "West", "BC")->GetInRoad(), (std::vector<uint64_t>{1}));
     EXPECT_EQ(TrackOf(*network, "West", "CD")->GetInRoad(), (std::vector<uint64_t>{2}));
     EXPECT_EQ(TrackOf(*network, "West", "AB")->GetInRoad(1), network->GetRoad(2));
+    EXPECT_EQ(network->GetRoadIndexByName("R1"), 1u);
     EXPECT_EQ(network->GetRoadIndexByName("r1"), Network::npos);
+    EXPECT_EQ(network->GetRoad(1)->GetTrack(0, network.Get()), TrackOf(*network, "West", "BC"));
+    EXPECT_EQ(network->GetRoad(1)->GetTrack(1, network.Get()), nullptr);  // its sub-network is missing
 
     // Post-loading again does not register twice.
     network->PostLoad({});
