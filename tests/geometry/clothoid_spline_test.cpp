@@ -6,7 +6,7 @@
 
 #include <orvia/vek/math.h>
 
-#include "curve_test_support.h"
+#include "axis_test_support.h"
 
 namespace {
 
@@ -16,10 +16,6 @@ ClothoidSpline* MakeSpline(const std::vector<vek::Vector2>& points) {
     auto* spline = new ClothoidSpline;
     spline->SetControlPoints(points);
     return spline;
-}
-
-double Heading(const vek::Vector2& v) {
-    return std::atan2(v.y, v.x);
 }
 
 const std::vector<vek::Vector2> kPoints = {{0, 0}, {50, 0}, {80, 40}, {140, 40}, {150, 100}};
@@ -38,8 +34,8 @@ TEST(ClothoidSpline, RoundsEveryCorner) {
     EXPECT_TRUE(vek::isEqual(start.position, kPoints[0], 1e-12));
     EXPECT_NEAR(start.heading, 0, 1e-12);
     const PointData end = spline->GetPointData(length);
-    EXPECT_LT((end.position - kPoints[4]).norm(), 1e-6);
-    EXPECT_NEAR(vek::normalizeAngle(end.heading - Heading(kPoints[4] - kPoints[3])), 0, 1e-9);
+    EXPECT_LT((end.position - kPoints[4]).norm(), 1e-6);  // along the last edge, (10, 60)
+    EXPECT_NEAR(vek::normalizeAngle(end.heading - std::atan2(60, 10)), 0, 1e-9);
     // Curvature is continuous and G1 holds along the whole curve.
     PointData previous = start;
     for (int i = 1; i <= 400; ++i) {
@@ -60,7 +56,6 @@ TEST(ClothoidSpline, RoundsEveryCorner) {
     // Placed: the global curve and the piece's own samples agree.
     spline->SetStartPosition({1000, -200});
     spline->SetStartOrientation(2.2);
-    EXPECT_NEAR(spline->GetLength(), length, 1e-9);
     for (double s : {0.0, 33.3, 120.0, length}) {
         PointData global;
         ASSERT_TRUE(spline->GetGlobalCurve().GetPointData(s, 0, global));
@@ -68,9 +63,6 @@ TEST(ClothoidSpline, RoundsEveryCorner) {
         EXPECT_TRUE(vek::isEqual(global.position, own.position, 1e-9)) << s;
         EXPECT_NEAR(vek::normalizeAngle(global.heading - own.heading), 0, 1e-12) << s;
     }
-    PointData local;
-    ASSERT_TRUE(spline->GetLocalCurve().GetPointData(length, 0, local));
-    EXPECT_LT((local.position - kPoints[4]).norm(), 1e-6);
 }
 
 TEST(ClothoidSpline, DegenerateControlPolygons) {
@@ -107,7 +99,7 @@ TEST(ClothoidSpline, ThresholdAndSymmetry) {
     CountedPtr<ClothoidSpline> copy(new ClothoidSpline);
     copy->CopyFrom(spline.Get());
     EXPECT_TRUE(copy->IsEqual(spline.Get()));
-    EXPECT_NEAR(copy->GetLength(), spline->GetLength(), 1e-12);
+    EXPECT_NEAR(copy->GetLength(), spline->GetLength(), 1e-12);  // refitted, not only the points copied
     copy->SetThreshold(0.5);
     EXPECT_FALSE(copy->IsEqual(spline.Get()));
 }
@@ -129,29 +121,4 @@ TEST(ClothoidSpline, SetLengthCutsOrStretchesThePolygon) {
     const double before = spline->GetLength(), polygon = spline->GetPolylineLength();
     spline->SetLength(1.2 * before);
     EXPECT_NEAR(spline->GetPolylineLength(), 1.2 * before * polygon / before, 1e-9);
-}
-
-TEST(ClothoidSpline, WithOriginConstraintsAndInversion) {
-    CountedPtr<ClothoidSpline> spline(new ClothoidSpline);
-    spline->SetOriginConstraints(true, true);
-    spline->SetControlPoints({{3, 3}, {40, 6}, {70, 30}, {90, 30}});
-    EXPECT_EQ(spline->GetControlPoint(0), vek::Vector2(0, 0));
-    EXPECT_EQ(spline->GetControlPoint(1), vek::Vector2(40, 0));
-    spline->SetStartPosition({5, 6});
-    spline->SetStartOrientation(-0.4);
-    const double length = spline->GetLength();
-    CountedPtr<ClothoidSpline> copy(spline->Clone());
-    copy->Invert();
-    EXPECT_NEAR(copy->GetLength(), length, 1e-6);
-    for (double f : {0.0, 0.25, 0.5, 1.0})
-        EXPECT_LT((copy->GetPointData(length * (1 - f)).position - spline->GetPointData(length * f).position)
-                      .norm(),
-                  1e-6)
-            << f;
-    copy->Invert();
-    for (double f : {0.0, 0.25, 0.5, 1.0})
-        EXPECT_LT(
-            (copy->GetPointData(length * f).position - spline->GetPointData(length * f).position).norm(),
-            1e-6)
-            << f;
 }

@@ -9,7 +9,7 @@
 #include <orvia/geometry/curve2d.h>
 #include <orvia/vek/math.h>
 
-#include "curve_test_support.h"
+#include "axis_test_support.h"
 
 namespace {
 
@@ -24,7 +24,6 @@ struct Declared {
 template <class Fitter>
 class Recording : public Fitter {
 public:
-    using Fitter::_Create;
     using Fitter::_F;
     using Fitter::SolveFirstTurn;
 
@@ -154,10 +153,10 @@ TEST(CTriPointControlledAnalytic, FittedPairsEndOnTheFarLeg) {
                             TriFit fit;
                             fit.SetLimitBlender(blender);
                             fit.SetSymmetricBlending(symmetric);
-                            const std::string where =
-                                "sym " + std::to_string(symmetric) + " blend " + std::to_string(blender) +
-                                " deg " + std::to_string(degrees * side) + " ratio " + std::to_string(ratio) +
-                                " scale " + std::to_string(scale);
+                            const std::string where = std::to_string(symmetric) + " " +
+                                                      std::to_string(blender) + " " +
+                                                      std::to_string(degrees * side) + " " +
+                                                      std::to_string(ratio) + " " + std::to_string(scale);
                             ASSERT_TRUE(fit.Create(a.x, a.y, p.x, p.y, b.x, b.y)) << where;
                             ExpectEndsAt(fit.pieces, fit.Chain(a, 0.4), b, direction, where);
                         }
@@ -173,6 +172,7 @@ TEST(CTriPointControlledAnalytic, SolverErrors) {
     EXPECT_EQ(ThrownText([&] { TriFit::_F(-0.1, 1, 2, fresnel); }), "out of range");
     EXPECT_EQ(ThrownText([&] { TriFit::_F(1.5, 1, 2, fresnel); }), "out of range");
     EXPECT_EQ(ThrownText([&] { TriFit::_F(0.5, 1, 2, fresnel); }), "");
+    // Errors reach the caller as exceptions derived from std::exception: ThrownText catches only those.
     // A negative leg ratio inverts the bracket; a ratio below 1 / k puts the lower bound above zero.
     EXPECT_EQ(ThrownText([&] { TriFit::SolveFirstTurn(kPi / 2, -2, fresnel); }),
               "unexpected bounds for solving function");
@@ -184,26 +184,14 @@ TEST(CTriPointControlledAnalytic, SolverErrors) {
     EXPECT_LT(root, kPi / 2);
     EXPECT_LE(TriFit::_F(std::max(0.0, root - 1e-9), kPi / 2, 1.2, fresnel), 0);
     EXPECT_GE(TriFit::_F(root + 1e-9, kPi / 2, 1.2, fresnel), 0);
-    // Errors reach the caller as exceptions derived from std::exception.
-    bool caught = false;
-    try {
-        TriFit::SolveFirstTurn(1, -2, fresnel);
-    } catch (const std::exception&) {
-        caught = true;
-    }
-    EXPECT_TRUE(caught);
 }
 
 TEST(CTriPointControlledAnalytic, LimitBlenderIsClamped) {
     CTriPointControlledAnalytic fit;
-    EXPECT_EQ(fit.GetLimitBlender(), 0.75);
-    EXPECT_FALSE(fit.GetSymmetricBlending());
     fit.SetLimitBlender(2);
     EXPECT_EQ(fit.GetLimitBlender(), 1);
     fit.SetLimitBlender(-1);
     EXPECT_EQ(fit.GetLimitBlender(), 0);
-    fit.SetLimitBlender(0.3);
-    EXPECT_EQ(fit.GetLimitBlender(), 0.3);
 }
 
 TEST(CBiPointControlledAnalytic, FitsBetweenTwoPoses) {
@@ -237,6 +225,4 @@ TEST(CBiPointControlledAnalytic, FitsBetweenTwoPoses) {
     EXPECT_FALSE(refused.Create(0, 0, 0, 0, 20, 20, 0, 1));  // no direction
     EXPECT_FALSE(refused.Create(1, 1, 1, 0, 1, 1, 0, 1));    // same point
     EXPECT_TRUE(refused.pieces.empty());
-    // The three-point form is still there.
-    EXPECT_TRUE(refused.Create(0, 0, 10, 0, 10, 10));
 }

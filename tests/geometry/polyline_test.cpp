@@ -6,7 +6,7 @@
 
 #include <orvia/vek/math.h>
 
-#include "curve_test_support.h"
+#include "axis_test_support.h"
 
 namespace {
 
@@ -52,7 +52,6 @@ TEST(PolyLineCommonData, TablesAndSamples) {
     EXPECT_EQ(line->GetSegmentIndex(3), 0u);
     EXPECT_EQ(line->GetSegmentIndex(3.0001), 1u);
     EXPECT_EQ(line->GetSegmentIndex(100), 1u);
-    EXPECT_EQ(line->GetSegmentsCount(), 2u);
 
     // A zero-length edge keeps the orientation before it and samples its midpoint.
     line->SetControlPoints({{0, 0}, {0, 2}, {0, 2}, {1, 2}});
@@ -104,7 +103,6 @@ TEST(PolyLineCommonData, SetPolylineLength) {
     EXPECT_TRUE(vek::isEqual(line->GetControlPoints().back(), {3, 2}, 1e-14));
     line->SetPolylineLength(2);  // within the first edge: the points after it go
     EXPECT_EQ(line->GetControlPoints(), (std::vector<vek::Vector2>{{0, 0}, {2, 0}}));
-    EXPECT_DOUBLE_EQ(line->GetPolylineLength(), 2);
     line->SetPolylineLength(0);
     EXPECT_EQ(line->GetControlPointsCount(), 0u);
 }
@@ -176,20 +174,18 @@ TEST(PolyLine, SmoothedCurvesPassThroughTheirPoints) {
             EXPECT_NEAR(end.heading, 2.5, 1e-9);
         }
         // The same curve runs backwards once inverted, and comes back after a second inversion.
-        Ruvex::CountedPtr<PolyLine> copy(line->Clone());
-        copy->Invert();
-        EXPECT_NEAR(copy->GetLength(), line->GetLength(), 1e-6) << name;
-        for (double f : {0.0, 0.3, 0.8, 1.0}) {
-            const double s = line->GetLength() * f;
-            EXPECT_TRUE(vek::isEqual(copy->GetPointData(copy->GetLength() - s).position,
-                                     line->GetPointData(s).position, 1e-6))
-                << name << " " << f;
+        Ruvex::CountedPtr<PolyLine> once(line->Clone()), twice(line->Clone());
+        once->Invert();
+        twice->Invert();
+        twice->Invert();
+        EXPECT_NEAR(once->GetLength(), line->GetLength(), 1e-6) << name;
+        for (double f = 0; f <= 1; f += 0.125) {
+            const double s = f * line->GetLength();
+            const vek::Vector2 p = line->GetPointData(s).position;
+            EXPECT_TRUE(vek::isEqual(once->GetPointData(once->GetLength() - s).position, p, 1e-6))
+                << name << s;
+            EXPECT_TRUE(vek::isEqual(twice->GetPointData(s).position, p, 1e-6)) << name << " " << s;
         }
-        copy->Invert();
-        for (double f : {0.0, 0.3, 0.8, 1.0})
-            EXPECT_TRUE(vek::isEqual(copy->GetPointData(line->GetLength() * f).position,
-                                     line->GetPointData(line->GetLength() * f).position, 1e-6))
-                << name << " " << f;
     }
     // Two points are not smoothed.
     Ruvex::CountedPtr<PolyLine> two(MakePolyLine(EType::ClampedSpline, {{0, 0}, {4, 3}}));
@@ -270,10 +266,7 @@ TEST(PolyLine, CopyAndEquality) {
     Ruvex::CountedPtr<PolyLine> copy(new PolyLine(EType::Polygon, false));
     copy->CopyFrom(line.Get());
     EXPECT_TRUE(copy->IsEqual(line.Get()));
-    EXPECT_EQ(copy->GetStartPosition(), vek::Vector2(1, 2));
-    EXPECT_NEAR(copy->GetLength(), line->GetLength(), 1e-12);
+    EXPECT_NEAR(copy->GetLength(), line->GetLength(), 1e-12);  // the smoothed curve rebuilt
     copy->SetType(EType::ClampedSpline);
     EXPECT_FALSE(copy->IsEqual(line.Get()));
-    Segment segment(3);
-    EXPECT_FALSE(line->IsEqual(&segment));
 }
