@@ -48,22 +48,20 @@ TEST(CountedPtr, OwnershipRules) {
 
 TEST(HashVector, IndexFollowsEdits) {
     HashVector<CountedPtr<RoadElement>> roads;
-    auto add = [&](const char* name) {
+    auto make = [](const char* name) {
         auto* r = new RoadElement;
         r->SetName(name);
-        roads.push_back(r);
         return r;
     };
-    add("A");
-    RoadElement* b = add("B");
-    add("A");
+    RoadElement* b = make("B");
+    roads.push_back(make("A"));
+    roads.push_back(b);
+    roads.push_back(make("A"));
     EXPECT_EQ(roads.find("A"), 0u);  // first of two
     EXPECT_EQ(roads.find("B"), 1u);
     EXPECT_EQ(roads.find("C"), HashVector<CountedPtr<RoadElement>>::npos);
 
-    auto* c = new RoadElement;
-    c->SetName("C");
-    roads.insert(0, c);
+    roads.insert(0, make("C"));
     EXPECT_EQ(roads.find("C"), 0u);
     EXPECT_EQ(roads.find("B"), 2u);
 

@@ -74,8 +74,6 @@ TEST(Document, BadValuesWarnBadDocumentsFail) {
         EXPECT_EQ(static_cast<CircleArcElement*>(arc.Get())->GetCurvature(), 1.0) << bad;
         EXPECT_EQ(GetLastProblems().size(), 1u) << bad;
     }
-    EXPECT_TRUE(LoadText("<Ruvex><Road priorityLevel=\"-1\"/></Ruvex>"));
-    EXPECT_EQ(GetLastProblems().size(), 1u);
     EXPECT_TRUE(LoadText("<Ruvex version=\"two\"><Segment/></Ruvex>"));
     EXPECT_EQ(GetLastProblems().size(), 1u);
 
@@ -108,13 +106,14 @@ TEST(Document, VersionReachesTheReaders) {
     };
     CountedPtr<ProbeFactory> factory(new ProbeFactory);
     SetFactory(factory.Get());
-    CountedPtr<Element> a = LoadText("<Ruvex version=\"2.2\" versionRevision=\"2\"><Probe/></Ruvex>");
-    ASSERT_TRUE(a);
-    EXPECT_EQ(factory->last->seen, MakeVersionID(2, 2, 2));
-    CountedPtr<Element> b = LoadText("<Ruvex version=\"2.4.3\"><Probe/></Ruvex>");
-    EXPECT_EQ(factory->last->seen, MakeVersionID(2, 4, 3));
-    CountedPtr<Element> c = LoadText("<Ruvex><Probe/></Ruvex>");
-    EXPECT_EQ(factory->last->seen, kCurrentVersion);
+    for (const auto& [root, version] :
+         {std::pair{"<Ruvex version=\"2.2\" versionRevision=\"2\">", MakeVersionID(2, 2, 2)},
+          std::pair{"<Ruvex version=\"2.4.3\">", MakeVersionID(2, 4, 3)},
+          std::pair{"<Ruvex>", kCurrentVersion}}) {
+        CountedPtr<Element> probe = LoadText(std::string(root) + "<Probe/></Ruvex>");  // holds the probe read
+        ASSERT_TRUE(probe) << root;
+        EXPECT_EQ(factory->last->seen, version) << root;
+    }
     SetFactory(nullptr);
     EXPECT_GT(MakeVersionID(2, 3, 0), MakeVersionID(2, 2, 255));
 }

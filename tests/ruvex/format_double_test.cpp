@@ -13,17 +13,14 @@
 
 namespace {
 
-std::string Reference(double value) {
-    char text[64];
-    auto [end, error] = std::to_chars(text, text + sizeof text, value);
-    EXPECT_EQ(error, std::errc());
-    return std::string(text, end);
-}
-
 // The text of a double is exactly what to_chars writes: shortest, reading back bit for bit.
 void ExpectSameText(double value) {
+    char reference[64];
+    auto [end, error] = std::to_chars(reference, reference + sizeof reference, value);
+    ASSERT_EQ(error, std::errc());
     Ruvex::FormatBuffer buffer;
-    ASSERT_EQ(Ruvex::detail::FormatDouble(value, buffer), Reference(value)) << std::hexfloat << value;
+    ASSERT_EQ(Ruvex::detail::FormatDouble(value, buffer), std::string_view(reference, end))
+        << std::hexfloat << value;
 }
 
 uint64_t Next(uint64_t& state) {

@@ -52,8 +52,7 @@ TEST(GenericElement, KeepsUnknownContentThroughLoadAndSave) {
     GenericElement* unknown = FirstKept(again.Get());
     ASSERT_NE(unknown, nullptr);
     CountedPtr<GenericElement> copy(new GenericElement(*unknown));
-    CountedPtr<Element> alone(Load(saved.c_str(), true));
-    EXPECT_EQ(SaveToString(copy.Get()), SaveToString(FirstKept(alone.Get())));
+    EXPECT_EQ(SaveToString(copy.Get()), SaveToString(unknown));
 
     // Opened for inspection, the content is the same nodes and attributes, decoded, and saves the same.
     const PreservedContent* kept = unknown->GetPreserved();

@@ -47,8 +47,7 @@ CountedPtr<GenericElement> Chain(size_t count) {
 }  // namespace
 
 TEST(Load, NestingDepthIsBounded) {
-    CountedPtr<Element> atBound(Load(NestedDocument(kMaxNestingDepth).c_str(), true));
-    EXPECT_TRUE(atBound);
+    EXPECT_TRUE(CountedPtr<Element>(Load(NestedDocument(kMaxNestingDepth).c_str(), true)));
 
     // One level more, or a hundred thousand, from memory and from a file: null and an error at the first
     // element too deep, never a stack overflow.
@@ -154,9 +153,7 @@ TEST(Save, KeepsPermissionsAndLeavesNoTemporaryFile) {
     ASSERT_TRUE(Save(Arc(3).Get(), file.c_str()));
     ::umask(umaskBefore);
     EXPECT_EQ(ModeOf(file), 0640u);
-    CountedPtr<Element> back(Load(file.c_str(), false));
-    ASSERT_TRUE(back);
-    EXPECT_EQ(static_cast<CircleArcElement*>(back.Get())->GetLength(), 3.0);
+    EXPECT_EQ(ReadAll(file), SaveToString(Arc(3).Get()));
     EXPECT_EQ(Snapshot(dir.path).size(), 2u);  // the two documents, nothing else
 }
 
@@ -174,9 +171,7 @@ TEST(Save, FollowsSymbolicLinks) {
     EXPECT_TRUE(fs::is_symlink(dir.path / "link.xml"));
     EXPECT_TRUE(fs::is_symlink(dir.path / "second.xml"));
     EXPECT_EQ(ModeOf(target), 0600u);
-    CountedPtr<Element> back(Load(target.c_str(), false));
-    ASSERT_TRUE(back);
-    EXPECT_EQ(static_cast<CircleArcElement*>(back.Get())->GetLength(), 5.0);
+    EXPECT_EQ(ReadAll(target), SaveToString(Arc(5).Get()));
 
     // A link to a file not there yet creates the file it names.
     fs::create_symlink("real/new.xml", dir.path / "dangling.xml");
@@ -244,35 +239,6 @@ TEST(Save, FailureLeavesTheFileAsItWas) {
     EXPECT_NE(GetLastProblems()[0].message.find("cannot write the file"), std::string::npos);
     EXPECT_EQ(Snapshot(dir.path), before);
     EXPECT_TRUE(Save(big.Get(), file.c_str()));
-}
-
-TEST(Load, SecondChildForOneSlotIsKept) {
-    // Two children for a slot that holds one: the first fills it, the second is kept as read and written back
-    // where it was, instead of replacing the first.
-    const char* const text = R"(<Ruvex>
-  <Lane name="L">
-    <UVMapping uVScaleX="2"/>
-    <UVMapping uVScaleX="3"/>
-    <VehicleType heightLimit="2.5"/>
-  </Lane>
-</Ruvex>)";
-    CountedPtr<Element> lane(Load(text, true));
-    ASSERT_TRUE(lane);
-    auto* record = dynamic_cast<LaneElement*>(lane.Get());
-    ASSERT_NE(record, nullptr);
-    ASSERT_NE(record->GetUVMapping(), nullptr);
-    EXPECT_EQ(record->GetUVMapping()->GetUVScale().x, 2.0);
-    ASSERT_NE(record->GetVehicleAuth(), nullptr);
-    const std::string saved = SaveToString(lane.Get());
-    const size_t first = saved.find("uVScaleX=\"2\"");
-    const size_t second = saved.find("uVScaleX=\"3\"");
-    ASSERT_NE(first, std::string::npos) << saved;
-    ASSERT_NE(second, std::string::npos) << saved;
-    EXPECT_LT(first, second);
-    EXPECT_LT(second, saved.find("<VehicleType"));
-    CountedPtr<Element> again(Load(saved.c_str(), true));
-    ASSERT_TRUE(again);
-    EXPECT_EQ(SaveToString(again.Get()), saved);
 }
 
 TEST(Save, EmptyTextsAreWritten) {

@@ -56,7 +56,6 @@ TEST(RoadPiece, UserDataRideAlong) {
     ASSERT_TRUE(network);
     RoadPiece* piece = network->GetRoad(0)->GetRoadPiece(0);
     ASSERT_EQ(piece->GetUserDataCount(), 1u);
-    ASSERT_NE(dynamic_cast<Orvia::QuenbelDataElement*>(piece->GetUserData("QuenbelData")), nullptr);
     const std::string saved = Ruvex::SaveToString(piece);
     EXPECT_NE(saved.find("<Line value=\"two\""), std::string::npos);
     EXPECT_NE(saved.find("<Unknown keep=\"1\""), std::string::npos);

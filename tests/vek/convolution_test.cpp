@@ -7,7 +7,7 @@ namespace {
 using vek::Convolution1D;
 using vek::Vector2;
 
-TEST(Convolution1D, Validity) {
+TEST(Convolution1D, ValidityAndSmoothingKeepingEnds) {
     EXPECT_DOUBLE_EQ(Convolution1D({1, 2, 1}).weights()[1], 0.5);
     EXPECT_FALSE(Convolution1D({1, 1}).isValid());
     EXPECT_FALSE(Convolution1D({}).isValid());
@@ -15,9 +15,7 @@ TEST(Convolution1D, Validity) {
     EXPECT_TRUE(Convolution1D::gaussian(1.5, 3).isValid());
     const std::vector<double> v{0, 5, 0, 1};
     EXPECT_EQ(Convolution1D({1, 1}).apply(v), v);
-}
 
-TEST(Convolution1D, SmoothsKeepingEnds) {
     const Convolution1D k({1, 2, 1});
     // A spike spreads to its neighbours; ends stay where they are.
     const std::vector<double> s = k.apply(std::vector<double>{0, 0, 4, 0, 0});

@@ -29,13 +29,11 @@ TEST(Math, ScalarHelpers) {
     EXPECT_EQ(vek::barycenter(0, 10, 1, 2), 2);
 }
 
-TEST(Math, NormalizeAngle) {
+TEST(Math, Angles) {
     EXPECT_DOUBLE_EQ(vek::normalizeAngle(3 * kPi), kPi);
     EXPECT_DOUBLE_EQ(vek::normalizeAngle(-kPi), kPi);
     EXPECT_NEAR(vek::normalizeAngle(-kPi / 2 - 4 * kPi), -kPi / 2, 1e-12);
-}
 
-TEST(Math, AngleBetweenVectors) {
     const Vector2 ex(1, 0);
     EXPECT_DOUBLE_EQ(vek::angleBetweenVectors(ex, Vector2(0, 2)), kPi / 2);
     EXPECT_DOUBLE_EQ(vek::angleBetweenVectors(Vector2(0, 2), ex), -kPi / 2);

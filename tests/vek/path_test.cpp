@@ -9,7 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(Path, NormalizeAndDirName) {
+TEST(Path, NormalizeDirNameAbsoluteRelative) {
     EXPECT_EQ(vek::NormalizePath(""), "");
     EXPECT_EQ(vek::NormalizePath("a/./b/../c/"), "a/c");
     EXPECT_EQ(vek::NormalizePath("/x//y\\z.txt"), "/x/y/z.txt");
@@ -18,9 +18,7 @@ TEST(Path, NormalizeAndDirName) {
     EXPECT_EQ(vek::JustDirName("net.xml"), "");
     EXPECT_EQ(vek::JustDirName("/net.xml"), "/");
     EXPECT_EQ(vek::JustDirName("a\\b\\net.xml"), "a/b");
-}
 
-TEST(Path, AbsoluteAndRelative) {
     EXPECT_EQ(vek::AbsoluteFilename("/data/roads", "../tex/a.png", false), "/data/tex/a.png");
     EXPECT_EQ(vek::AbsoluteFilename("/data/roads/", "./a.png", false), "/data/roads/a.png");
     EXPECT_EQ(vek::AbsoluteFilename("/data", "/other/b.png", false), "/other/b.png");

@@ -54,7 +54,7 @@ void expectArcLengthInverse(const Trajectory& c) {
     }
 }
 
-TEST(Bezier, Factory) {
+TEST(Bezier, FactoryAndDegenerateEnds) {
     EXPECT_EQ(vek::NewBezier(false, {{0, 0}, {1, 0}, {2, 0}}), nullptr);
     EXPECT_EQ(vek::NewBezier(false, {{0, 0}, {1, 0}, {2, 0}, {3, 0}, {4, 0}}), nullptr);
     const auto c = vek::NewBezier(true, {{0, 0}, {1, 2}, {3, 2}, {4, 0}});
@@ -63,9 +63,22 @@ TEST(Bezier, Factory) {
     EXPECT_TRUE(c->derivative(0).isEqual({3, 6}, 1e-15));
     EXPECT_EQ(c->position(7), c->position(1));
     EXPECT_LT(c->curvature(0.5), 0);  // an arch turns right
+
+    // First two and last two control points coincide: zero speed at both ends.
+    const auto still = vek::NewBezier(false, {{0, 0}, {0, 0}, {2, 1}, {2, 1}});
+    EXPECT_TRUE(still->tangent(0).isEqual(Vector2(2, 1).normalized(), 1e-15));
+    EXPECT_TRUE(still->tangent(1).isEqual(Vector2(2, 1).normalized(), 1e-15));
+    EXPECT_EQ(still->curvature(0), 0);
+    EXPECT_NEAR(still->length(), std::sqrt(5.0), 1e-12);
+    expectArcLengthInverse(*still);
+
+    const auto point = vek::NewBezier(false, {{3, 3}, {3, 3}, {3, 3}, {3, 3}});
+    EXPECT_EQ(point->length(), 0);
+    EXPECT_EQ(point->parameterAtLength(1), 1);
+    EXPECT_EQ(point->tangent(0.5), Vector2());
 }
 
-TEST(Bezier, LengthOfStraightLine) {
+TEST(Bezier, LengthAgainstIndependentValues) {
     // Uneven control points on a line: the speed varies but the length is the distance.
     const auto c = vek::NewBezier(false, {{1, 1}, {1.3, 1.4}, {3.4, 4.2}, {4, 5}});
     EXPECT_NEAR(c->length(), 5, 5e-12);
@@ -75,9 +88,7 @@ TEST(Bezier, LengthOfStraightLine) {
             c->position(c->parameterAtLength(s)).isEqual(Vector2(1, 1) + Vector2(0.6, 0.8) * s, 1e-10));
     EXPECT_EQ(c->parameterAtLength(-1), 0);
     EXPECT_EQ(c->parameterAtLength(6), 1);
-}
 
-TEST(Bezier, LengthAgainstClosedFormAndQuadrature) {
     // y = x^2 on [0, 1] as a cubic Bezier; length (2 sqrt(5) + asinh(2)) / 4.
     const auto parabola = vek::NewBezier(false, {{0, 0}, {1.0 / 3, 0}, {2.0 / 3, 1.0 / 3}, {1, 1}});
     EXPECT_NEAR(parabola->length(), (2 * std::sqrt(5.0) + std::asinh(2.0)) / 4, 1e-13);
@@ -89,21 +100,6 @@ TEST(Bezier, LengthAgainstClosedFormAndQuadrature) {
     EXPECT_NEAR(quarter->length(), simpsonLength(*quarter), 1e-11 * quarter->length());
     EXPECT_NEAR(quarter->length(), 5 * kPi, 3e-3);  // the curve bulges ~0.03 % outside the circle
     expectArcLengthInverse(*quarter);
-}
-
-TEST(Bezier, TangentWhereSpeedVanishes) {
-    // First two and last two control points coincide: zero speed at both ends.
-    const auto c = vek::NewBezier(false, {{0, 0}, {0, 0}, {2, 1}, {2, 1}});
-    EXPECT_TRUE(c->tangent(0).isEqual(Vector2(2, 1).normalized(), 1e-15));
-    EXPECT_TRUE(c->tangent(1).isEqual(Vector2(2, 1).normalized(), 1e-15));
-    EXPECT_EQ(c->curvature(0), 0);
-    EXPECT_NEAR(c->length(), std::sqrt(5.0), 1e-12);
-    expectArcLengthInverse(*c);
-
-    const auto point = vek::NewBezier(false, {{3, 3}, {3, 3}, {3, 3}, {3, 3}});
-    EXPECT_EQ(point->length(), 0);
-    EXPECT_EQ(point->parameterAtLength(1), 1);
-    EXPECT_EQ(point->tangent(0.5), Vector2());
 }
 
 TEST(ClampedCubicSpline, ThroughCirclePoints) {
@@ -149,7 +145,7 @@ TEST(ClampedCubicSpline, SmoothAtKnots) {
     EXPECT_NEAR(segment->length(), 5, 1e-12);
 }
 
-TEST(BezierTS, ThroughPoints) {
+TEST(BezierTS, ThroughPointsOpenAndClosed) {
     const std::vector<Vector2> pts{{0, 0}, {10, 0}, {12, 5}, {20, 5}, {21, 0}};
     const auto c = vek::NewBezierTS(false, pts);
     ASSERT_NE(c, nullptr);
@@ -168,17 +164,15 @@ TEST(BezierTS, ThroughPoints) {
     const auto segment = vek::NewBezierTS(false, {{1, 1}, {1, 1}, {4, 5}});
     EXPECT_NEAR(segment->length(), 5, 1e-12);
     EXPECT_EQ(vek::NewBezierTS(false, {{1, 1}}), nullptr);
-}
 
-TEST(BezierTS, Closed) {
-    // The last point repeats the first: it is dropped and the closing piece brings the curve back.
-    const auto c = vek::NewBezierTS(true, {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}});
-    ASSERT_NE(c, nullptr);
-    EXPECT_EQ(c->position(1), Vector2(0, 0));
-    EXPECT_TRUE(c->tangent(0).isEqual(c->tangent(1), 1e-12));
-    EXPECT_TRUE(c->tangent(0).isEqual(Vector2(1, -1).normalized(), 1e-12));
-    EXPECT_TRUE(c->position(0.5).isEqual({10, 10}, 1e-12));
-    expectArcLengthInverse(*c);
+    // Closed, the last point repeating the first: it is dropped and the closing piece brings the curve back.
+    const auto loop = vek::NewBezierTS(true, {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}});
+    ASSERT_NE(loop, nullptr);
+    EXPECT_EQ(loop->position(1), Vector2(0, 0));
+    EXPECT_TRUE(loop->tangent(0).isEqual(loop->tangent(1), 1e-12));
+    EXPECT_TRUE(loop->tangent(0).isEqual(Vector2(1, -1).normalized(), 1e-12));
+    EXPECT_TRUE(loop->position(0.5).isEqual({10, 10}, 1e-12));
+    expectArcLengthInverse(*loop);
     EXPECT_EQ(vek::NewBezierTS(true, {{0, 0}, {1, 0}, {0, 0}}), nullptr);
 }
 

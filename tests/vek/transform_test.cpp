@@ -42,12 +42,7 @@ TEST(Transform, ApplyInverseCompose) {
     EXPECT_TRUE((a * b).apply(p).isEqual(a.apply(b.apply(p)), kTol));
     EXPECT_TRUE((a * a.inverse()).isEqual(Transform(), kTol));
 
-    vek::Box3 box;
-    box.add({0, 0, 0});
-    box.add({2, 1, 1});
-    const vek::Box3 moved = t.apply(box);
-    EXPECT_TRUE(moved.min.isEqual({9, 5, 2}, kTol));
-    EXPECT_TRUE(moved.max.isEqual({10, 7, 3}, kTol));
+    // A placed box is checked through the network's bounding box; an empty one stays empty.
     EXPECT_TRUE(t.apply(vek::Box3()).isEmpty());
 }
 
