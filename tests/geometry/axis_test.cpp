@@ -106,7 +106,7 @@ TEST(Axis, GeometricDataExtrapolatesTheAltitudeWithTheSlopeAngle) {
         empty.GetGeometricData(1, {}, &position, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
 }
 
-TEST(Axis, PositionTangentNormal) {
+TEST(Axis, PositionFrameAndEndPoints) {
     TestAxis axis;
     Build(axis);
     const double theta = std::atan(0.02);
@@ -129,12 +129,9 @@ TEST(Axis, PositionTangentNormal) {
     EXPECT_FALSE(empty.GetPositionTangentCurvature(3, {}, &p, nullptr, &curvature));
     EXPECT_EQ(curvature, 0);
     EXPECT_FALSE(empty.GetNormal(n, 0));
-}
-
-TEST(Axis, EndPointsAndSetStartPoint) {
-    TestAxis axis;
-    Build(axis);
     Orvia::PointControl start, end;
+    EXPECT_FALSE(empty.GetStartPoint(start));
+
     ASSERT_TRUE(axis.GetStartPoint(start));
     EXPECT_NEAR(start.z, 10, 1e-12);
     EXPECT_NEAR(start.slope, std::atan(0.02), 1e-15);
@@ -147,8 +144,6 @@ TEST(Axis, EndPointsAndSetStartPoint) {
     EXPECT_NEAR(end.heading, kPi / 2 + 1, 1e-12);
     EXPECT_NEAR(end.x, 1000 - (50 - 50 * std::cos(1.0)), 1e-9);
     EXPECT_NEAR(end.z, 53, 1e-12);  // the whole profile moved up by 40
-    TestAxis empty;
-    EXPECT_FALSE(empty.GetStartPoint(start));
 }
 
 TEST(Axis, InvertCurvesRunsTheAxisBackwards) {

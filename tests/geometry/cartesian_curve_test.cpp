@@ -92,8 +92,7 @@ TEST(CartesianCurve, Handles) {
     CountedPtr<CartesianCurve> curve = ThreePieces();
     ASSERT_EQ(curve->GetHandleCount(), 4u);
     EXPECT_EQ(curve->GetHandlePos(3), vek::Vector2(40, -3));
-    EXPECT_EQ(curve->GetHandlePrevSlope(0), 0.2);
-    EXPECT_EQ(curve->GetHandlePrevSlope(1), 0.1);
+    EXPECT_EQ(curve->GetHandlePrevSlope(0), 0.2);  // the ends have one slope
     EXPECT_EQ(curve->GetHandleNextSlope(3), -0.5);
     EXPECT_FALSE(curve->RemoveHandle(0));
     EXPECT_FALSE(curve->RemoveHandle(3));
@@ -145,8 +144,7 @@ TEST(CartesianCurve, SetXMaxAndSetXMin) {
     CountedPtr<CartesianCurve> start = ThreePieces();
     start->SetXMin(30);
     ASSERT_EQ(start->GetFunctionCount(), 2u);
-    EXPECT_EQ(start->GetXMin(), 0);
-    EXPECT_EQ(start->GetXMax(), 30);
+    EXPECT_EQ(vek::Vector2(start->GetXMin(), start->GetXMax()), vek::Vector2(0, 30));
     EXPECT_NEAR(start->GetValue(25), ThreePieces()->GetValue(35), 1e-12);
 }
 

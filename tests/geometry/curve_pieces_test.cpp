@@ -116,17 +116,9 @@ TEST(ParametricFunction, BoundingBoxFollowsChanges) {
     EXPECT_NEAR(arc.GetBoundingBox().min.y, -10 - margin, 1e-12);
 }
 
-TEST(Segment, SamplesAndEquality) {
-    Segment s(5);
-    s.SetStartPosition({1, 2});
-    s.SetStartOrientation(kPi / 2);
-    const PointData mid = s.GetPointData(3);
-    EXPECT_TRUE(vek::isEqual(mid.position, {1, 5}, 1e-14));
-    EXPECT_EQ(mid.heading, kPi / 2);
-    EXPECT_EQ(mid.curvature, 0);
-    EXPECT_TRUE(vek::isEqual(s.GetPointData(7).position, {1, 9}, 1e-14));
-    EXPECT_TRUE(vek::isEqual(s.GetPointData(-1).position, {1, 1}, 1e-14));
-    Segment same(5);
+// Segment samples are checked through the composite curve's; here what it alone decides.
+TEST(Segment, Equality) {
+    Segment s(5), same(5);
     CircleArc arc(6, 0.1);
     EXPECT_TRUE(s.IsEqual(&same));
     EXPECT_TRUE(s.SetRawLength(6));
