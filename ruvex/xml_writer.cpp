@@ -90,9 +90,10 @@ constexpr bool BeyondLatin1(unsigned char c) {
 template <bool (*Escaped)(unsigned char)>
 void PutEscaped(Output& out, std::string_view text) {
     size_t start = 0;
+    const bool latin1 = out.latin1();  // a local: the output's writes could alias the member
     for (size_t i = 0; i < text.size(); ++i) {
         const auto c = static_cast<unsigned char>(text[i]);
-        if (BeyondLatin1(c) && out.latin1()) {
+        if (latin1 && BeyondLatin1(c)) {
             // Latin-1 cannot hold it; a character reference keeps it.
             size_t length = 0;
             const unsigned code = DecodeMultibyte(text, i, length);
