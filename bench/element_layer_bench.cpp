@@ -217,6 +217,15 @@ void PugixmlParse(benchmark::State& state) {
     ReportFile(state);
 }
 
+// The run's median against the floor's; `turns` names the variant where the two took turns without page
+// faults.
+void ReportRatio(benchmark::State& state, const std::vector<double>& runs, double floor, bool turns) {
+    state.SetBytesProcessed(static_cast<int64_t>(City().bytes * static_cast<double>(state.iterations())));
+    state.counters["median_ms"] = 1e3 * Median(runs);
+    state.counters["floor_ms"] = 1e3 * floor;
+    state.counters[turns ? "ratio_no_page_faults" : "ratio_vs_pugixml"] = Median(runs) / floor;
+}
+
 // One load per iteration; the tree's destruction is not part of it. With `turns`, a parse of the floor before
 // each, so that both see the same heap; else the floor's own loop.
 void TimeLoads(benchmark::State& state, bool turns) {
@@ -246,11 +255,7 @@ void TimeLoads(benchmark::State& state, bool turns) {
         root.Reset();
         state.ResumeTiming();
     }
-    const double floorMedian = turns ? Median(floors) : floor;
-    state.SetBytesProcessed(static_cast<int64_t>(City().bytes * static_cast<double>(state.iterations())));
-    state.counters["median_ms"] = 1e3 * Median(runs);
-    state.counters["floor_ms"] = 1e3 * floorMedian;
-    state.counters[turns ? "ratio_no_page_faults" : "ratio_vs_pugixml"] = Median(runs) / floorMedian;
+    ReportRatio(state, runs, turns ? Median(floors) : floor, turns);
 }
 
 // The bytes a loaded tree keeps once the DOM and the text are freed: heap in use (malloc's own count, chunk
@@ -341,11 +346,7 @@ void TimeSaves(benchmark::State& state, bool turns) {
         text = std::string();
         state.ResumeTiming();
     }
-    const double floorMedian = turns ? Median(floors) : floor;
-    state.SetBytesProcessed(static_cast<int64_t>(City().bytes * static_cast<double>(state.iterations())));
-    state.counters["median_ms"] = 1e3 * Median(runs);
-    state.counters["floor_ms"] = 1e3 * floorMedian;
-    state.counters[turns ? "ratio_no_page_faults" : "ratio_vs_pugixml"] = Median(runs) / floorMedian;
+    ReportRatio(state, runs, turns ? Median(floors) : floor, turns);
 }
 
 void ElementSave(benchmark::State& state) {
