@@ -1,8 +1,4 @@
 #include <orvia/ruvex/elements/rail.h>
-#include <orvia/ruvex/factory.h>
-
-#include <string>
-#include <string_view>
 
 namespace Rail {
 
@@ -36,46 +32,5 @@ RUVEX_SCHEMA(WorldEquipmentElement, ::Ruvex::NamedElement, "RadioAntena", RAIL_W
 RUVEX_SCHEMA(StationElement, ::Ruvex::NamedElement, "Station", RAIL_STATION_TABLE)
 RUVEX_SCHEMA(RailroadTrackElement, ::Ruvex::NamedElement, "RailroadTrack", RAIL_RAILROAD_TRACK_TABLE)
 RUVEX_SCHEMA(RailNetworkElement, ::Ruvex::Element, "RailNetwork", RAIL_RAIL_NETWORK_TABLE)
-
-namespace {
-
-// Two children of one tag that the file tells apart by their order: the child goes to the first empty slot.
-// False when both are taken or the child does not load as a T; the caller then keeps it as read.
-template <class T>
-bool LoadIntoFirstFree(::Ruvex::IDOMElement* child, ::Ruvex::IDOMParser* parser,
-                       ::Ruvex::CountedPtr<T>& first, ::Ruvex::CountedPtr<T>& second) {
-    ::Ruvex::CountedPtr<T>& slot = first ? second : first;
-    if (slot) return false;
-    ::Ruvex::CountedPtr<::Ruvex::Element> object(::Ruvex::CreateElement(std::string(child->GetTagName())));
-    if (!object || !object->LoadFromXMLElement(child, parser)) return false;
-    T* typed = dynamic_cast<T*>(object.Get());
-    if (!typed) return false;
-    slot = typed;
-    return true;
-}
-
-bool IsEndTag(std::string_view tag) {
-    return tag == "BufferEnd" || tag == "SwitchEnd" || tag == "OpenEnd" || tag == "LinkedEnd";
-}
-
-}  // namespace
-
-bool PropertySpanElement::LoadChild(::Ruvex::IDOMElement* child, ::Ruvex::IDOMParser* parser) {
-    if (child && parser && child->GetTagName() == "Quote")
-        return LoadIntoFirstFree(child, parser, m_StartQuote, m_EndQuote);
-    return Element::LoadChild(child, parser);
-}
-
-bool TrackSpanElement::LoadChild(::Ruvex::IDOMElement* child, ::Ruvex::IDOMParser* parser) {
-    if (child && parser && child->GetTagName() == "Quote")
-        return LoadIntoFirstFree(child, parser, m_StartQuote, m_EndQuote);
-    return Element::LoadChild(child, parser);
-}
-
-bool RailroadTrackElement::LoadChild(::Ruvex::IDOMElement* child, ::Ruvex::IDOMParser* parser) {
-    if (child && parser && IsEndTag(child->GetTagName()))
-        return LoadIntoFirstFree(child, parser, m_StartEnd, m_EndEnd);
-    return NamedElement::LoadChild(child, parser);
-}
 
 }  // namespace Rail

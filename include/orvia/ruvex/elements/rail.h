@@ -151,9 +151,6 @@ class PropertyChangeElement : public ::Ruvex::Element {
 
 class PropertySpanElement : public ::Ruvex::Element {
     RUVEX_FIELDS(PropertySpanElement, ::Ruvex::Element, RAIL_PROPERTY_SPAN_TABLE)
-
-protected:
-    bool LoadChild(::Ruvex::IDOMElement* child, ::Ruvex::IDOMParser* parser) override;
 };
 
 // The stretch of one track (by name) between two quotes, read as for property spans.
@@ -164,9 +161,6 @@ protected:
 
 class TrackSpanElement : public ::Ruvex::Element {
     RUVEX_FIELDS(TrackSpanElement, ::Ruvex::Element, RAIL_TRACK_SPAN_TABLE)
-
-protected:
-    bool LoadChild(::Ruvex::IDOMElement* child, ::Ruvex::IDOMParser* parser) override;
 };
 
 // A point on one track (by name).
@@ -253,9 +247,6 @@ class StationElement : public ::Ruvex::NamedElement {
 
 class RailroadTrackElement : public ::Ruvex::NamedElement {
     RUVEX_FIELDS(RailroadTrackElement, ::Ruvex::NamedElement, RAIL_RAILROAD_TRACK_TABLE)
-
-protected:
-    bool LoadChild(::Ruvex::IDOMElement* child, ::Ruvex::IDOMParser* parser) override;
 };
 
 // The rail description of a sub-network. Property definitions (double or enumerated) sit in two lists: those
