@@ -93,8 +93,6 @@ constexpr char kLevelCrossing[] = "LevelCrossing";
 constexpr char kRoadArea[] = "RoadArea";
 constexpr char kRadioAntena[] = "RadioAntena";
 constexpr char kAreaTelegramCalculator[] = "AreaTelegramCalculator";
-constexpr char kEnumPropertyValue[] = "EnumPropertyValue";
-constexpr char kDoublePropertyValue[] = "DoublePropertyValue";
 constexpr char kOpenEnd[] = "OpenEnd";
 constexpr char kBufferEnd[] = "BufferEnd";
 constexpr char kLinkedEnd[] = "LinkedEnd";
@@ -220,15 +218,16 @@ const std::vector<Entry>& Table() {
         Make<Rail::EnumProperty>("EnumProperty"),
         Make<Rail::DoubleProperty>("DoubleProperty"),
         Make<Rail::ConnectionReference>("ConnectionReference"),
-        Tagged<Rail::PropertyValueElement, kEnumPropertyValue>(),
-        Tagged<Rail::PropertyValueElement, kDoublePropertyValue>(),
+        // The runtime classes of these records: the rail network resolves their references.
+        Make<Rail::EnumPropertyValue>("EnumPropertyValue"),
+        Make<Rail::DoublePropertyValue>("DoublePropertyValue"),
         Make<Rail::QuoteElement>("Quote"),
-        Make<Rail::MileageSystemElement>("MileageSystem"),
+        Make<Rail::MileageSystem>("MileageSystem"),
         Make<Rail::MileageAnchorElement>("MileageAnchor"),
         Make<Rail::TrackLinkedEndElement>("TrackLinkedEnd"),
         Make<Rail::ConnectionPointElement>("ConnectionPoint"),
-        Make<Rail::PropertySpanElement>("PropertySpan"),
-        Make<Rail::PropertyChangeElement>("PropertyChange"),
+        Make<Rail::PropertySpan>("PropertySpan"),
+        Make<Rail::PropertyChange>("PropertyChange"),
         Tagged<ReferenceElement, kOpenEnd>(),
         Tagged<ReferenceElement, kBufferEnd>(),
         Tagged<ReferenceElement, kLinkedEnd>(),
