@@ -39,6 +39,14 @@ struct GeoOptions {
 };
 int RunGeo(const GeoOptions& options);
 
+struct RailOptions {
+    std::string file;
+    bool json = false;
+};
+// Summarises a rail network document; 1 also when it loads with warnings (names that resolve to nothing),
+// which are printed before the summary.
+int RunRail(const RailOptions& options);
+
 // Loads `file` into `network`. A file that does not load, or loads only by overlooking values that do not
 // parse, is bad input: its problems are printed one per line and 1 is returned; 0 otherwise.
 int LoadNetwork(const std::string& file, Ruvex::CountedPtr<Orvia::Network>& network);

@@ -43,9 +43,17 @@ int main(int argc, char** argv) {
         ->expected(3);
     direction->require_option(1);
 
+    OrviaTool::RailOptions rail;
+    CLI::App* railCommand = app.add_subcommand("rail",
+                                               "Summarise a rail network: tracks, switches, signals, "
+                                               "mileage systems, properties.");
+    railCommand->add_option("FILE", rail.file, "Rail network file")->required();
+    railCommand->add_flag("--json", rail.json, "Print the summary as one JSON object");
+
     CLI11_PARSE(app, argc, argv);
 
     if (*infoCommand) return OrviaTool::RunInfo(info);
+    if (*railCommand) return OrviaTool::RunRail(rail);
     if (*convertCommand) {
         convert.absolutePaths = absolute->count() > 0;
         return OrviaTool::RunConvert(convert);
