@@ -60,12 +60,16 @@ struct Property {
     std::vector<std::string> entries;
 };
 
+// A named object and one word about it: a switch's or crossing's type, a signal's track (empty when it has
+// none), a mileage system's usage.
+struct Item {
+    std::string name;
+    std::string detail;
+};
+
 struct Summary {
     std::vector<Track> tracks;
-    std::vector<std::string> switches;  // "name (type)"
-    std::vector<std::string> crossings;
-    std::vector<std::string> signals;         // "name on track"
-    std::vector<std::string> mileageSystems;  // "name (usage)"
+    std::vector<Item> switches, crossings, signals, mileageSystems;
     std::vector<Property> properties;
     size_t stations = 0, balises = 0, trainDetections = 0, unresolved = 0;
 };
@@ -107,21 +111,19 @@ Summary Summarise(const Rail::RailNetwork& network) {
     }
     for (const auto& item : network.GetSwitches())
         if (const auto* sw = dynamic_cast<const Rail::Switch*>(item.Get()))
-            s.switches.push_back(sw->GetName() + " (" + Rail::Switch::ToText(sw->GetType()) + ")");
+            s.switches.push_back({sw->GetName(), Rail::Switch::ToText(sw->GetType())});
     for (const auto& item : network.GetCrossings())
         if (const auto* crossing = dynamic_cast<const Rail::Crossing*>(item.Get()))
-            s.crossings.push_back(crossing->GetName() + " (" + Rail::Crossing::ToText(crossing->GetType()) +
-                                  ")");
+            s.crossings.push_back({crossing->GetName(), Rail::Crossing::ToText(crossing->GetType())});
     for (const auto& item : network.GetSignals()) {
         const auto* signal = dynamic_cast<const Rail::Signal*>(item.Get());
         if (!signal) continue;
         const Rail::RailroadTrack* on = signal->GetTrack();
-        s.signals.push_back(signal->GetName() + " on " + (on ? on->GetName() : std::string("(no track)")));
+        s.signals.push_back({signal->GetName(), on ? on->GetName() : std::string()});
     }
     for (const auto& item : network.GetMileageSystems())
         if (const auto* system = dynamic_cast<const Rail::MileageSystem*>(item.Get()))
-            s.mileageSystems.push_back(system->GetName() + " (" +
-                                       Rail::MileageSystem::ToText(system->GetUsage()) + ")");
+            s.mileageSystems.push_back({system->GetName(), Rail::MileageSystem::ToText(system->GetUsage())});
     AddProperties(network.GetSpannedProperties(), "spanned", s);
     AddProperties(network.GetChangedProperties(), "changed", s);
     s.stations = network.GetStations().size();
@@ -138,10 +140,22 @@ std::string JoinQuoted(const std::vector<std::string>& items) {
     return out + "]";
 }
 
-void PrintList(const char* title, const std::vector<std::string>& items) {
+// "  name (label detail)", or "  name (none)" when the detail is empty.
+void PrintList(const char* title, const char* label, const std::vector<Item>& items) {
     std::printf("%-18s%zu\n", title, items.size());
-    for (const std::string& item : items)
-        std::printf("  %s\n", Escaped(item).c_str());
+    for (const Item& item : items) {
+        const std::string detail = item.detail.empty() ? std::string("none") : label + Escaped(item.detail);
+        std::printf("  %s (%s)\n", Escaped(item.name).c_str(), detail.c_str());
+    }
+}
+
+// [{"name": ..., "<key>": ...}, ...], the detail null when it is empty.
+std::string JsonItems(const std::vector<Item>& items, const char* key) {
+    std::string out = "[";
+    for (size_t i = 0; i < items.size(); ++i)
+        out += std::string(i ? ", " : "") + "{\"name\": " + Quoted(items[i].name) + ", \"" + key +
+               "\": " + (items[i].detail.empty() ? std::string("null") : Quoted(items[i].detail)) + "}";
+    return out + "]";
 }
 
 void PrintText(const std::string& file, const Summary& s) {
@@ -152,10 +166,10 @@ void PrintText(const std::string& file, const Summary& s) {
                     Escaped(t.name).c_str(), Number(t.length).c_str(),
                     t.start.empty() ? "-" : t.start.c_str(), t.end.empty() ? "-" : t.end.c_str(),
                     t.connectionPoints, t.propertySpans, t.propertyChanges);
-    PrintList("switches:", s.switches);
-    PrintList("crossings:", s.crossings);
-    PrintList("signals:", s.signals);
-    PrintList("mileage systems:", s.mileageSystems);
+    PrintList("switches:", "", s.switches);
+    PrintList("crossings:", "", s.crossings);
+    PrintList("signals:", "track ", s.signals);
+    PrintList("mileage systems:", "", s.mileageSystems);
     std::printf("properties:       %zu\n", s.properties.size());
     for (const Property& p : s.properties) {
         std::printf("  %s (%s, %s), default %s", Escaped(p.name).c_str(), p.kind.c_str(), p.where.c_str(),
@@ -198,9 +212,10 @@ void PrintJson(const std::string& file, const Summary& s) {
         "{\"file\": %s, \"tracks\": %s, \"switches\": %s, \"crossings\": %s, \"signals\": %s, "
         "\"mileageSystems\": %s, \"properties\": %s, \"stations\": %zu, \"balises\": %zu, "
         "\"trainDetections\": %zu, \"unresolved\": %zu}\n",
-        Quoted(file).c_str(), tracks.c_str(), JoinQuoted(s.switches).c_str(), JoinQuoted(s.crossings).c_str(),
-        JoinQuoted(s.signals).c_str(), JoinQuoted(s.mileageSystems).c_str(), properties.c_str(), s.stations,
-        s.balises, s.trainDetections, s.unresolved);
+        Quoted(file).c_str(), tracks.c_str(), JsonItems(s.switches, "type").c_str(),
+        JsonItems(s.crossings, "type").c_str(), JsonItems(s.signals, "track").c_str(),
+        JsonItems(s.mileageSystems, "usage").c_str(), properties.c_str(), s.stations, s.balises,
+        s.trainDetections, s.unresolved);
 }
 
 }  // namespace
