@@ -209,6 +209,11 @@ public:
     RailroadTrack();
     ~RailroadTrack() override;
 
+protected:
+    // The curve tags become runtime curves; every other child goes to the record.
+    bool LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) override;
+
+public:
     // The plan curve, the elevation curve and the banking curve; null when absent or set as plain records
     // through the element's setters.
     Orvia::Curve2D* GetXYCurve() const override;
@@ -229,10 +234,6 @@ public:
     SwitchElement* GetEndSwitch() const { return m_endSwitch; }
     TrackLinkedEndElement* GetStartLink() const { return m_startLink; }
     TrackLinkedEndElement* GetEndLink() const { return m_endLink; }
-
-protected:
-    // The curve tags become runtime curves; every other child goes to the record.
-    bool LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) override;
 
 private:
     friend class RailNetwork;
