@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 PACKAGES := build-essential cmake pkg-config libpugixml-dev libgdal-dev libgtest-dev libgmock-dev \
-            libbenchmark-dev libcli11-dev clang-format
+            libbenchmark-dev libcli11-dev clang-format libexpat1-dev
 # Only the fuzz smoke run needs them.
 FUZZ_PACKAGES := clang libclang-rt-14-dev
 FUZZ_SECONDS ?= 60

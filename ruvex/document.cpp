@@ -21,7 +21,8 @@ struct PreservedContent::Document {
     std::vector<PreservedNode> epilog;
     std::vector<PreservedAttribute> rootAttributes;
     std::vector<PreservedNode> rootNodes;  // anchor 0: before the loaded element, 1: after it
-    bool latin1 = false;
+    bool latin1 = false;                   // written in ISO-8859-1, else UTF-8
+    bool byteOrderMark = false;            // written before a UTF-8 text
 };
 
 namespace {
@@ -99,25 +100,26 @@ void WriteDocumentNodes(detail::WriteDocument& document, const std::vector<Prese
     }
 }
 
-Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& problems) {
-    auto fail = [&]() -> Element* {
-        problems = document.problems();
-        return nullptr;
-    };
+// The "Ruvex" root element, or empty with an error.
+pugi::xml_node FindRoot(detail::PugiDocument& document) {
     pugi::xml_node root = document.doc().document_element();
     if (!root) {
         document.ReportAt(0, "the document holds no element");
-        return fail();
+        return {};
     }
-    detail::PugiNode rootWrapper(root, &document);
     if (std::strcmp(root.name(), kRootTag.c_str()) != 0) {
-        document.ReportProblem(&rootWrapper,
+        detail::PugiNode wrapper(root, &document);
+        document.ReportProblem(&wrapper,
                                "expected the root element <" + kRootTag + ">, found <" + root.name() + ">");
-        return fail();
+        return {};
     }
+    return root;
+}
 
-    auto keep = std::make_shared<PreservedContent::Document>();
-    keep->latin1 = document.latin1File();
+// The version the root gives (the current one when it gives none or one that does not read, with a
+// warning); its other attributes are kept.
+void ReadVersion(detail::PugiDocument& document, pugi::xml_node root, PreservedContent::Document& keep) {
+    detail::PugiNode rootWrapper(root, &document);
     int version[3] = {kCurrentVersionMajor, kCurrentVersionMinor, kCurrentVersionRevision};
     const char* versionText = nullptr;
     const char* revisionText = nullptr;
@@ -127,9 +129,8 @@ Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& prob
         else if (kRevisionAttribute == a.name())
             revisionText = a.value();
         else
-            keep->rootAttributes.push_back({a.name(), a.value()});
+            keep.rootAttributes.push_back({a.name(), a.value()});
     }
-    // A version that does not read leaves the current one, with a warning.
     if (versionText && !ParseVersion(versionText, version))
         document.ReportWarning(&rootWrapper,
                                "attribute \"version\" of <Ruvex>: expected a version such as \"2.4\", "
@@ -147,24 +148,31 @@ Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& prob
                                        std::string(revisionText) + "\"; left at its default");
     }
     document.SetVersion(MakeVersionID(version[0], version[1], version[2]));
+}
 
+// What stands before and after the root: the declaration, comments, instructions, the doctype.
+void KeepSurroundings(detail::PugiDocument& document, pugi::xml_node root, PreservedContent::Document& keep) {
+    keep.latin1 = document.input().encoding() == detail::FileEncoding::Latin1;
+    keep.byteOrderMark =
+        document.input().byteOrderMark() && document.input().encoding() == detail::FileEncoding::UTF8;
+    bool beforeRoot = true;
     for (pugi::xml_node n = document.doc().first_child(); n; n = n.next_sibling()) {
-        if (n == root) continue;
-        if (n.type() == pugi::node_declaration) {
-            keep->hasDeclaration = true;
+        if (n == root) {
+            beforeRoot = false;
+        } else if (n.type() == pugi::node_declaration) {
+            keep.hasDeclaration = true;
             for (pugi::xml_attribute a = n.first_attribute(); a; a = a.next_attribute())
-                keep->declaration.push_back({a.name(), a.value()});
-            continue;
+                keep.declaration.push_back({a.name(), a.value()});
+        } else {
+            (beforeRoot ? keep.prolog : keep.epilog).push_back(KeepDocumentNode(n, document, 0));
         }
-        bool before = true;
-        for (pugi::xml_node m = n; m; m = m.next_sibling())
-            if (m == root)
-                break;
-            else if (!m.next_sibling())
-                before = false;
-        (before ? keep->prolog : keep->epilog).push_back(KeepDocumentNode(n, document, 0));
     }
+}
 
+// Loads the first element under the root; what else the root holds is kept around it. Null when there is
+// none.
+Element* LoadTopElement(detail::PugiDocument& document, pugi::xml_node root,
+                        PreservedContent::Document& keep) {
     Element* object = nullptr;
     uint32_t anchor = 0;
     for (pugi::xml_node n = root.first_child(); n; n = n.next_sibling()) {
@@ -176,20 +184,55 @@ Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& prob
             anchor = 1;
             continue;
         }
-        keep->rootNodes.push_back(KeepDocumentNode(n, document, anchor));
+        keep.rootNodes.push_back(KeepDocumentNode(n, document, anchor));
     }
     if (!object) {
-        document.ReportProblem(&rootWrapper, "the <Ruvex> root holds no element");
-        return fail();
+        detail::PugiNode wrapper(root, &document);
+        document.ReportProblem(&wrapper, "the <Ruvex> root holds no element");
     }
-    if (document.HasErrors()) {
+    return object;
+}
+
+Element* LoadDocument(detail::PugiDocument& document, std::vector<Problem>& problems) {
+    pugi::xml_node root = FindRoot(document);
+    Element* object = nullptr;
+    auto keep = std::make_shared<PreservedContent::Document>();
+    if (root) {
+        ReadVersion(document, root, *keep);
+        KeepSurroundings(document, root, *keep);
+        object = LoadTopElement(document, root, *keep);
+    }
+    problems = document.problems();
+    if (object && document.HasErrors()) {
         object->Release();
-        return fail();
+        object = nullptr;
     }
-    problems = document.problems();  // warnings only
+    if (!object) return nullptr;
     object->EditPreserved().document = std::move(keep);
     object->SetRefCount(0);
     return object;
+}
+
+// The declaration: always one, and the encoding it names is the one the text is written in.
+void WriteDeclaration(detail::WriteDocument& document, const PreservedContent::Document* kept) {
+    using detail::WriteNode;
+    const bool latin1 = kept && kept->latin1;
+    std::string_view encoding = latin1 ? "ISO-8859-1" : "UTF-8";
+    std::string_view standalone;
+    if (kept && kept->hasDeclaration)
+        for (const PreservedAttribute& a : kept->declaration) {
+            if (a.name == "encoding" && detail::NamesEncoding(a.value, latin1 ? detail::FileEncoding::Latin1
+                                                                              : detail::FileEncoding::UTF8))
+                encoding = a.value;
+            else if (a.name == "standalone" && (a.value == "yes" || a.value == "no"))
+                standalone = a.value;
+        }
+    WriteNode* declaration = document.NewNode(WriteNode::Kind::Declaration, "xml");
+    document.root().Insert(declaration, nullptr);
+    // What is written follows the rules of XML 1.0, whatever version the file named.
+    declaration->AppendNewAttribute("version", "1.0");
+    declaration->AppendNewAttribute("encoding", encoding);
+    if (!standalone.empty()) declaration->AppendNewAttribute("standalone", standalone);
 }
 
 bool BuildDocument(Element* root, detail::WriteDocument& document, std::string& text) {
@@ -197,15 +240,7 @@ bool BuildDocument(Element* root, detail::WriteDocument& document, std::string& 
     const PreservedContent* preserved = root->GetPreserved();
     const PreservedContent::Document* kept = preserved ? preserved->document.get() : nullptr;
 
-    WriteNode* declaration = document.NewNode(WriteNode::Kind::Declaration, "xml");
-    document.root().Insert(declaration, nullptr);
-    if (kept && kept->hasDeclaration) {
-        for (const PreservedAttribute& a : kept->declaration)
-            declaration->AppendAttribute(a.name, a.value);
-    } else {
-        declaration->AppendNewAttribute("version", "1.0");
-        declaration->AppendNewAttribute("encoding", "UTF-8");
-    }
+    WriteDeclaration(document, kept);
     if (kept) WriteDocumentNodes(document, kept->prolog);
 
     WriteNode* rootNode = document.NewNode(WriteNode::Kind::Element, kRootTag);
@@ -234,11 +269,8 @@ bool BuildDocument(Element* root, detail::WriteDocument& document, std::string& 
     if (document.HasErrors()) return false;
     // Children that runtime classes append after the generic part are not counted while building; what is
     // written must read back all the same.
-    if (!document.Serialize(text, kept && kept->latin1, kMaxNestingDepth)) {
-        document.ReportProblem(
-            nullptr, "elements are nested deeper than " + std::to_string(kMaxNestingDepth) + " levels");
-        return false;
-    }
+    if (!document.Serialize(text, kept && kept->latin1, kMaxNestingDepth)) return false;
+    if (kept && kept->byteOrderMark) text.insert(0, "\xEF\xBB\xBF");
     return true;
 }
 
@@ -276,6 +308,7 @@ Element* Load(const char* pathOrText, bool fromMemory) {
         problems = document.problems();
         return nullptr;
     }
+    document.DropRepeatedAttributes();
     return LoadDocument(document, problems);
 }
 

@@ -179,21 +179,6 @@ void PugiDocument::ReportAt(ptrdiff_t offset, std::string message) {
     m_problems.push_back(Problem{m_fileName, line, column, std::move(message)});
 }
 
-namespace {
-
-// Offsets where lines start in `text`.
-std::vector<size_t> LineStarts(const char* text, size_t size) {
-    std::vector<size_t> starts{0};
-    for (const char* p = text;
-         (p = static_cast<const char*>(std::memchr(p, '\n', static_cast<size_t>(text + size - p)))) !=
-         nullptr;
-         ++p)
-        starts.push_back(static_cast<size_t>(p - text) + 1);
-    return starts;
-}
-
-}  // namespace
-
 bool ReadDocumentFile(const char* path, ParseBuffer& buffer) {
     std::FILE* in = std::fopen(path, "rb");
     if (!in) return false;
@@ -231,27 +216,14 @@ bool PugiDocument::Parse(std::string text) {
 }
 
 bool PugiDocument::Parse(ParseBuffer buffer, TextOrigin origin) {
-    m_text = std::move(buffer);
-    m_origin = origin;
-    // Without an origin, lines are counted before parsing: pugixml parses in place and overwrites some
-    // characters.
-    m_lineStarts.clear();
-    if (!m_origin.text && !m_origin.path) m_lineStarts = LineStarts(m_text.data.get(), m_text.size);
-
-    pugi::xml_encoding encoding = pugi::encoding_auto;
-    std::string_view head(m_text.data.get(), std::min<size_t>(m_text.size, 200));
-    if (head.substr(0, 5) == "<?xml") {
-        std::string lowered(head.substr(0, head.find("?>")));
-        std::transform(lowered.begin(), lowered.end(), lowered.begin(),
-                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-        if (lowered.find("iso-8859-1") != std::string::npos || lowered.find("latin1") != std::string::npos ||
-            lowered.find("latin-1") != std::string::npos) {
-            encoding = pugi::encoding_latin1;
-            m_latin1File = true;
-        }
+    const bool readable = m_input.Prepare(std::move(buffer), origin);
+    for (const TextProblem& problem : m_input.problems()) {
+        auto [line, column] = m_input.PlaceOfDecoded(problem.offset);
+        m_problems.push_back(Problem{m_fileName, line, column, problem.message, problem.warning});
     }
-    pugi::xml_parse_result result =
-        m_doc.load_buffer_inplace(m_text.data.get(), m_text.size, pugi::parse_full, encoding);
+    if (!readable) return false;
+    pugi::xml_parse_result result = m_doc.load_buffer_inplace(m_input.parseText(), m_input.parseSize(),
+                                                              pugi::parse_full, pugi::encoding_utf8);
     if (!result) {
         ReportAt(result.offset, std::string("the document is not well-formed XML: ") + result.description());
         return false;
@@ -261,21 +233,7 @@ bool PugiDocument::Parse(ParseBuffer buffer, TextOrigin origin) {
 
 std::pair<size_t, size_t> PugiDocument::LineColumn(ptrdiff_t offset) const {
     if (offset < 0) return {0, 0};
-    if (m_lineStarts.empty()) {
-        // Counted from where the text came from; a file that changed since is no help.
-        if (m_origin.text) {
-            m_lineStarts = LineStarts(m_origin.text, m_text.size);
-        } else if (m_origin.path) {
-            ParseBuffer again;
-            if (ReadDocumentFile(m_origin.path, again) && again.size == m_text.size)
-                m_lineStarts = LineStarts(again.data.get(), again.size);
-        }
-        if (m_lineStarts.empty()) return {0, 0};
-    }
-    auto u = static_cast<size_t>(offset);
-    auto it = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), u);
-    size_t line = static_cast<size_t>(it - m_lineStarts.begin());
-    return {line, u - m_lineStarts[line - 1] + 1};
+    return m_input.PlaceOfParsed(static_cast<size_t>(offset));
 }
 
 void MergePreservedNodes(PugiDocument& document, pugi::xml_node node,
@@ -353,6 +311,37 @@ pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth) {
     walker.maxDepth = maxDepth;
     top.traverse(walker);
     return walker.found;
+}
+
+void PugiDocument::DropRepeatedAttributes() {
+    // No recursion: down to the first child, else on to the next sibling of the nearest ancestor that has
+    // one.
+    pugi::xml_node node = m_doc.first_child();
+    while (node) {
+        pugi::xml_attribute first = node.first_attribute();
+        if (first && first.next_attribute()) {
+            for (pugi::xml_attribute a = first.next_attribute(); a;) {
+                pugi::xml_attribute next = a.next_attribute();
+                for (pugi::xml_attribute b = first; b != a; b = b.next_attribute())
+                    if (std::strcmp(a.name(), b.name()) == 0) {
+                        PugiNode where(node, this);
+                        ReportWarning(&where, "attribute \"" + std::string(a.name()) + "\" of <" +
+                                                  node.name() + "> is given twice; the last value is kept");
+                        b.set_value(a.value());
+                        node.remove_attribute(a);
+                        break;
+                    }
+                a = next;
+            }
+        }
+        if (pugi::xml_node child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && !node.next_sibling())
+            node = node.parent();
+        if (node) node = node.next_sibling();
+    }
 }
 
 void ForEachNode(IDOMElement* element, void* context, void (*visit)(void*, IDOMElement*)) {

@@ -7,6 +7,7 @@
 
 #include <pugixml.hpp>
 
+#include "input_text.h"
 #include "typed_attributes.h"
 
 #include <deque>
@@ -18,20 +19,6 @@
 namespace Ruvex::detail {
 
 class PugiDocument;
-
-// Text for pugixml to parse in place: `size` bytes and a NUL after them.
-struct ParseBuffer {
-    std::unique_ptr<char[]> data;
-    size_t size = 0;
-};
-
-// Where a parsed text came from. Line numbers are then counted from there, and only when a problem needs one:
-// the original text (valid while the document is in use, `size` bytes like the buffer), or else the file,
-// read again.
-struct TextOrigin {
-    const char* text = nullptr;
-    const char* path = nullptr;
-};
 
 // The whole file, read straight into a buffer (not filled with zeros first); false when it cannot be read. A
 // file that grows meanwhile is read to its end all the same.
@@ -95,12 +82,15 @@ public:
     void ReportWarning(const IDOMElement* where, std::string message) override;
     bool HasErrors() const;
 
-    // Reading. `text` is kept (pugixml parses it in place). False when it is not well-formed. Lines are
-    // counted first.
+    // Reading. `text` is kept (pugixml parses it in place). False when it cannot be read or is not
+    // well-formed. Lines are counted first.
     bool Parse(std::string text);
-    // The same for a buffer that came from `origin`, where lines are counted if a problem needs them.
+    // The same for the bytes of a file that came from `origin`, where lines are counted if a problem needs
+    // them.
     bool Parse(ParseBuffer buffer, TextOrigin origin);
     void SetVersion(uint32_t version) { m_version = version; }
+    // An attribute given twice on one element makes no well-formed text: the later ones go, with a warning.
+    void DropRepeatedAttributes();
     PugiNode* Wrap(pugi::xml_node node);
     std::pair<size_t, size_t> LineColumn(ptrdiff_t offset) const;
     void ReportAt(ptrdiff_t offset, std::string message);
@@ -115,18 +105,14 @@ public:
     pugi::xml_document& doc() { return m_doc; }
     const std::string& fileName() const { return m_fileName; }
     std::vector<Problem>& problems() { return m_problems; }
-    bool latin1File() const { return m_latin1File; }
-    void setLatin1File(bool latin1) { m_latin1File = latin1; }
+    const InputText& input() const { return m_input; }
 
 private:
     std::string m_fileName;
-    ParseBuffer m_text;
-    TextOrigin m_origin;
-    mutable std::vector<size_t> m_lineStarts;  // empty until counted
+    InputText m_input;
     pugi::xml_document m_doc;
     pugi::xml_node m_scratch;
     uint32_t m_version;
-    bool m_latin1File = false;
     std::deque<PugiNode> m_wrappers;
     std::vector<Problem> m_problems;
     struct Deferred {

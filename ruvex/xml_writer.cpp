@@ -3,6 +3,7 @@
 #include <orvia/ruvex/schema.h>
 
 #include "pugi_dom.h"
+#include "unicode.h"
 
 #include <algorithm>
 #include <cmath>
@@ -49,6 +50,14 @@ public:
     // Whether the text becomes Latin-1, where escapable characters above U+00FF are written as references.
     bool latin1() const { return m_latin1; }
 
+    // What could not be written as it stood, for the warnings.
+    struct Losses {
+        size_t replaced = 0;       // malformed UTF-8 and characters XML does not allow, written as U+FFFD
+        size_t questionMarks = 0;  // characters beyond Latin-1 where no reference can stand
+        size_t attributes = 0;     // duplicate attributes and attributes without a valid name, dropped
+        size_t instructions = 0;   // processing instructions without a valid target, dropped
+    } losses;
+
 private:
     static constexpr size_t kSize = 64 * 1024;
     std::string& m_text;
@@ -57,57 +66,59 @@ private:
     char m_buffer[kSize];
 };
 
-// What pugixml escapes: in attribute values '&', '<', '"' and every control character; in text '&', '<', '>'
-// and the control characters other than tab, line feed and carriage return. Control characters are written
-// as two-digit references.
+// What pugixml escapes: in attribute values '&', '<', '"' and the tab and line breaks; in text '&', '<', '>'.
+// Those are written as two-digit references. Other control characters cannot be written at all (XML 1.0 has
+// no reference for them either); bytes from 0x80 on start sequences that are checked.
 constexpr bool EscapedInAttribute(unsigned char c) {
-    return c < 32 || c == '&' || c == '<' || c == '"';
+    return c < 32 || c >= 0x80 || c == '&' || c == '<' || c == '"';
 }
 constexpr bool EscapedInText(unsigned char c) {
-    return (c < 32 && c != '\t' && c != '\n' && c != '\r') || c == '&' || c == '<' || c == '>';
+    return c < 32 || c >= 0x80 || c == '&' || c == '<' || c == '>';
 }
 
-// The code point of the well-formed UTF-8 sequence of 2 to 4 bytes at text[i] and its length, or a length of
-// 0 when there is none.
-unsigned DecodeMultibyte(std::string_view text, size_t i, size_t& length) {
-    const auto byte = [&](size_t k) { return static_cast<unsigned char>(text[i + k]); };
-    const unsigned char lead = byte(0);
-    length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC0 || lead >= 0xF8 || i + length > text.size()) return length = 0;
-    unsigned code = lead & (0x7Fu >> length);
-    for (size_t k = 1; k < length; ++k) {
-        if ((byte(k) & 0xC0) != 0x80) return length = 0;
-        code = (code << 6) | (byte(k) & 0x3Fu);
+constexpr std::string_view kReplacementUtf8 = "\xEF\xBF\xBD";
+
+// Writes the character reference for `code`.
+void PutReference(Output& out, uint32_t code) {
+    char reference[16];
+    const int size = std::snprintf(reference, sizeof reference, "&#%u;", code);
+    out.Put(std::string_view(reference, static_cast<size_t>(size)));
+}
+
+// The character starting at text[i] (a byte from 0x80 on): the bytes written for it and their count in the
+// text. Malformed sequences and characters XML does not allow become U+FFFD.
+size_t PutMultibyte(Output& out, std::string_view text, size_t i) {
+    size_t length = 1;
+    const uint32_t code =
+        DecodeUtf8(reinterpret_cast<const unsigned char*>(text.data()) + i, text.size() - i, length);
+    if (code == kInvalidSequence || !IsXmlCharacter(code)) {
+        ++out.losses.replaced;
+        if (out.latin1())
+            PutReference(out, kReplacementCharacter);
+        else
+            out.Put(kReplacementUtf8);
+        return length;
     }
-    return code;
-}
-
-// Leads of sequences above U+00FF.
-constexpr bool BeyondLatin1(unsigned char c) {
-    return c >= 0xC4;
+    // Latin-1 cannot hold it; a character reference keeps it.
+    if (out.latin1() && code > 0xFF)
+        PutReference(out, code);
+    else
+        out.Put(text.substr(i, length));
+    return length;
 }
 
 template <bool (*Escaped)(unsigned char)>
 void PutEscaped(Output& out, std::string_view text) {
     size_t start = 0;
-    const bool latin1 = out.latin1();  // a local: the output's writes could alias the member
     for (size_t i = 0; i < text.size(); ++i) {
         const auto c = static_cast<unsigned char>(text[i]);
-        if (latin1 && BeyondLatin1(c)) {
-            // Latin-1 cannot hold it; a character reference keeps it.
-            size_t length = 0;
-            const unsigned code = DecodeMultibyte(text, i, length);
-            if (length == 0) continue;  // malformed: dropped with the conversion
-            out.Put(text.substr(start, i - start));
-            char reference[16];
-            const int size = std::snprintf(reference, sizeof reference, "&#%u;", code);
-            out.Put(std::string_view(reference, static_cast<size_t>(size)));
-            i += length - 1;
+        if (!Escaped(c)) continue;
+        out.Put(text.substr(start, i - start));
+        if (c >= 0x80) {
+            i += PutMultibyte(out, text, i) - 1;
             start = i + 1;
             continue;
         }
-        if (!Escaped(c)) continue;
-        out.Put(text.substr(start, i - start));
         start = i + 1;
         switch (c) {
             case '&':
@@ -122,14 +133,80 @@ void PutEscaped(Output& out, std::string_view text) {
             case '"':
                 out.Put("&quot;");
                 break;
-            default: {
+            case '\t':
+            case '\n':
+            case '\r': {
+                if (Escaped == EscapedInText) {
+                    out.Put(static_cast<char>(c));
+                    break;
+                }
                 const char reference[] = {'&', '#', static_cast<char>('0' + c / 10),
                                           static_cast<char>('0' + c % 10), ';'};
                 out.Put(std::string_view(reference, sizeof reference));
+                break;
             }
+            default:
+                ++out.losses.replaced;
+                if (out.latin1())
+                    PutReference(out, kReplacementCharacter);
+                else
+                    out.Put(kReplacementUtf8);
         }
     }
     out.Put(text.substr(start));
+}
+
+// `text` where no markup can stand (comments, CDATA sections, instructions, the doctype): malformed UTF-8 and
+// characters XML does not allow become U+FFFD, and for a Latin-1 text what it cannot hold becomes '?'. Most
+// texts need nothing and are returned as they are.
+std::string_view Checked(Output& out, std::string_view text, std::string& scratch) {
+    size_t i = 0;
+    for (; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c < 0x20 ? !(c == '\t' || c == '\n' || c == '\r') : c >= 0x80) break;
+    }
+    if (i == text.size()) return text;
+    scratch.assign(text.substr(0, i));
+    while (i < text.size()) {
+        size_t length = 1;
+        uint32_t code =
+            DecodeUtf8(reinterpret_cast<const unsigned char*>(text.data()) + i, text.size() - i, length);
+        if (code == kInvalidSequence || !IsXmlCharacter(code)) {
+            ++out.losses.replaced;
+            code = kReplacementCharacter;
+        }
+        if (out.latin1() && code > 0xFF) {
+            ++out.losses.questionMarks;
+            code = '?';
+        }
+        AppendUtf8(code, scratch);
+        i += length;
+    }
+    return scratch;
+}
+
+// Whether `name` can name an element, attribute or instruction: a letter, '_', ':' or a character from
+// U+0080 on first (up to U+00FF in a Latin-1 text), then also digits, '-' and '.'.
+bool IsXmlName(std::string_view name, bool latin1) {
+    if (name.empty()) return false;
+    for (size_t i = 0; i < name.size();) {
+        const auto c = static_cast<unsigned char>(name[i]);
+        if (c >= 0x80) {
+            size_t length = 1;
+            const uint32_t code =
+                DecodeUtf8(reinterpret_cast<const unsigned char*>(name.data()) + i, name.size() - i, length);
+            if (code == kInvalidSequence || !IsXmlCharacter(code) || code == 0xD7 || code == 0xF7 ||
+                (latin1 && code > 0xFF))
+                return false;
+            i += length;
+            continue;
+        }
+        const bool start = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
+        const bool later = (c >= '0' && c <= '9') || c == '-' || c == '.';
+        if (!start && !(later && i > 0)) return false;
+        ++i;
+    }
+    return true;
 }
 
 // Writes `text` with every occurrence of `stop` broken by `breaker`: "--" and a final '-' in comments, "?>"
@@ -173,26 +250,44 @@ void PutCData(Output& out, std::string_view text) {
 
 void PutAttributes(Output& out, const WriteNode& node) {
     for (const WriteNode::Attribute* a = node.firstAttribute(); a; a = a->next) {
+        // A name written twice would make the text unreadable: the last value stands, in the first place.
+        bool repeated = false;
+        for (const WriteNode::Attribute* b = node.firstAttribute(); b != a && !repeated; b = b->next)
+            repeated = b->name == a->name;
+        if (repeated || !IsXmlName(a->name, out.latin1())) {
+            ++out.losses.attributes;
+            continue;
+        }
+        std::string_view value = a->value;
+        for (const WriteNode::Attribute* b = a->next; b; b = b->next)
+            if (b->name == a->name) value = b->value;
         out.Put(' ');
         out.Put(a->name);
         out.Put("=\"");
-        PutEscaped<EscapedInAttribute>(out, a->value);
+        PutEscaped<EscapedInAttribute>(out, value);
         out.Put('"');
     }
 }
 
+// Whether an instruction named `target` can be written: "xml" in any case is the declaration's.
+bool IsInstructionTarget(std::string_view target, bool latin1) {
+    return IsXmlName(target, latin1) && !(target.size() == 3 && (target[0] | 0x20) == 'x' &&
+                                          (target[1] | 0x20) == 'm' && (target[2] | 0x20) == 'l');
+}
+
 // Nodes other than elements and the document.
 void PutSimple(Output& out, const WriteNode& node) {
+    std::string scratch;
     switch (node.kind()) {
         case WriteNode::Kind::Text:
             PutEscaped<EscapedInText>(out, node.value());
             break;
         case WriteNode::Kind::CData:
-            PutCData(out, node.value());
+            PutCData(out, Checked(out, node.value(), scratch));
             break;
         case WriteNode::Kind::Comment:
             out.Put("<!--");
-            PutComment(out, node.value());
+            PutComment(out, Checked(out, node.value(), scratch));
             out.Put("-->");
             break;
         case WriteNode::Kind::ProcessingInstruction:
@@ -200,7 +295,7 @@ void PutSimple(Output& out, const WriteNode& node) {
             out.Put(node.name());
             if (!node.value().empty()) {
                 out.Put(' ');
-                PutInstruction(out, node.value());
+                PutInstruction(out, Checked(out, node.value(), scratch));
             }
             out.Put("?>");
             break;
@@ -214,7 +309,7 @@ void PutSimple(Output& out, const WriteNode& node) {
             out.Put("<!DOCTYPE");
             if (!node.value().empty()) {
                 out.Put(' ');
-                out.Put(node.value());
+                out.Put(Checked(out, node.value(), scratch));
             }
             out.Put('>');
             break;
@@ -481,9 +576,10 @@ void WriteDocument::ApplyDeferred() {
     m_deferred.clear();
 }
 
-bool WriteDocument::Serialize(std::string& text, bool latin1, size_t maxDepth) const {
+bool WriteDocument::Serialize(std::string& text, bool latin1, size_t maxDepth) {
     text.clear();
     text.reserve(m_textSize + m_textSize / 8);
+    Output::Losses losses;
     {
         Output out(text, latin1);
         const WriteNode* top = &m_root;
@@ -497,6 +593,9 @@ bool WriteDocument::Serialize(std::string& text, bool latin1, size_t maxDepth) c
                 // Text is written as it stands: no line break or indent around it.
                 PutSimple(out, *node);
                 flags = 0;
+            } else if (kind == WriteNode::Kind::ProcessingInstruction &&
+                       !IsInstructionTarget(node->name(), latin1)) {
+                ++out.losses.instructions;
             } else {
                 if (flags & kNewline) out.Put('\n');
                 if (flags & kIndent) out.Indent(depth);
@@ -504,6 +603,15 @@ bool WriteDocument::Serialize(std::string& text, bool latin1, size_t maxDepth) c
                     if (depth >= maxDepth) {
                         out.Discard();
                         text.clear();
+                        ReportProblem(nullptr, "elements are nested deeper than " + std::to_string(maxDepth) +
+                                                   " levels");
+                        return false;
+                    }
+                    if (!IsXmlName(node->name(), latin1)) {
+                        out.Discard();
+                        text.clear();
+                        ReportProblem(nullptr, "an element is named \"" + std::string(node->name()) +
+                                                   "\", which is no XML name: it cannot be written");
                         return false;
                     }
                     flags = kNewline | kIndent;
@@ -547,8 +655,26 @@ bool WriteDocument::Serialize(std::string& text, bool latin1, size_t maxDepth) c
             }
         } while (node != top);
         if (flags & kNewline) out.Put('\n');
+        losses = out.losses;
     }
     if (latin1) text = ToLatin1(text);
+    if (losses.replaced)
+        ReportWarning(nullptr,
+                      std::to_string(losses.replaced) +
+                          " malformed UTF-8 sequences or characters XML does not allow were written as "
+                          "U+FFFD");
+    if (losses.questionMarks)
+        ReportWarning(nullptr,
+                      std::to_string(losses.questionMarks) +
+                          " characters beyond ISO-8859-1 in comments, CDATA sections or instructions "
+                          "were written as '?'");
+    if (losses.attributes)
+        ReportWarning(nullptr,
+                      std::to_string(losses.attributes) +
+                          " attributes named twice on one element, or with no XML name, were left out");
+    if (losses.instructions)
+        ReportWarning(nullptr, std::to_string(losses.instructions) +
+                                   " processing instructions with no valid target were left out");
     return true;
 }
 

@@ -3,8 +3,8 @@
 // The DOM that documents are saved through. Nodes, attributes and their text live in one arena owned by the
 // document (no heap block per node or per value); attribute names from the schemas and the packed content of
 // unknown elements are referred to, not copied; and the serialiser writes the text straight into a string:
-// the same bytes as pugixml writes for the same tree with a two-space indent (escapes, empty-element tags,
-// text kept inline, UTF-8 or Latin-1).
+// the same bytes as pugixml writes for the same well-formed tree with a two-space indent (escapes,
+// empty-element tags, text kept inline, UTF-8 or Latin-1).
 
 #include <orvia/ruvex/element.h>
 #include <orvia/ruvex/factory.h>
@@ -172,11 +172,13 @@ public:
     }
     void ApplyDeferred();
 
-    // The document text; `latin1` converts it as pugixml's Latin-1 output does (malformed sequences are
-    // dropped, characters above U+00FF become '?'), except that in attribute values and text, where a
-    // reference means the character, those are written as character references. False, with `text` empty,
-    // when an element is nested deeper than `maxDepth` levels (the root element being level 1).
-    bool Serialize(std::string& text, bool latin1, size_t maxDepth = SIZE_MAX) const;
+    // The document text, well-formed XML 1.0 whatever the tree holds: malformed UTF-8 and characters XML does
+    // not allow are written as U+FFFD, and attributes named twice (the last value stands) or not named as XML
+    // names, and instructions without a valid target, are left out, each kind with one warning. `latin1`
+    // writes ISO-8859-1, where characters beyond it are written as character references in attribute values
+    // and text, and as '?' elsewhere (with a warning). False, with `text` empty and an error, when an element
+    // is nested deeper than `maxDepth` levels (the root element being level 1) or its name is no XML name.
+    bool Serialize(std::string& text, bool latin1, size_t maxDepth = SIZE_MAX);
 
     const std::string& fileName() const { return m_fileName; }
     std::vector<Problem>& problems() { return m_problems; }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Ruvex;
@@ -239,6 +241,80 @@ TEST(Save, FailureLeavesTheFileAsItWas) {
     EXPECT_NE(GetLastProblems()[0].message.find("cannot write the file"), std::string::npos);
     EXPECT_EQ(Snapshot(dir.path), before);
     EXPECT_TRUE(Save(big.Get(), file.c_str()));
+}
+
+TEST(Save, RefusesReadOnlyFiles) {
+    ScratchDirectory dir("orvia_save_read_only");
+    const fs::path file = dir.path / "arc.xml";
+    ASSERT_TRUE(Save(Arc(1).Get(), file.c_str()));
+    ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
+    const std::map<std::string, std::string> before = Snapshot(dir.path);
+    // Refused by its bits, even where the directory would allow a new file, and whoever runs the test.
+    EXPECT_FALSE(Save(Arc(2).Get(), file.c_str()));
+    ASSERT_EQ(GetLastProblems().size(), 1u);
+    EXPECT_EQ(ToString(GetLastProblems()[0]), file.string() + ": the file is read-only");
+    EXPECT_EQ(Snapshot(dir.path), before);
+    EXPECT_EQ(ModeOf(file), 0444u);
+    ASSERT_EQ(::chmod(file.c_str(), 0644), 0);
+    EXPECT_TRUE(Save(Arc(2).Get(), file.c_str()));
+}
+
+TEST(Save, KilledSavesLeaveNothingBehind) {
+    ScratchDirectory dir("orvia_save_killed");
+    const fs::path file = dir.path / "big.xml";
+    CountedPtr<GenericElement> big(new GenericElement("Big"));
+    big->EditPreserved().attributes.push_back({"data", std::string(4 << 20, 'x')});
+    const std::string saved = SaveToString(big.Get());
+    ASSERT_TRUE(Save(Arc(1).Get(), file.c_str()));
+    const std::string old = ReadAll(file);
+
+    // A child saves over and over and is killed at moments spread over its saves: the file is always one
+    // whole document. Only a kill between naming the new file and renaming it over the old one (two calls in
+    // a row) can leave a name beside it, a whole copy named after the dead child, which the next save
+    // removes.
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_TRUE(Save(big.Get(), file.c_str()));
+    const auto oneSave =
+        std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+    int named = 0;
+    for (int attempt = 0; attempt < 30; ++attempt) {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (;;)
+                Save(big.Get(), file.c_str());
+        }
+        ::usleep(static_cast<useconds_t>(oneSave.count() * (attempt % 10 + 1) / 7 + attempt * 37));
+        ::kill(child, SIGKILL);
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status));
+        std::map<std::string, std::string> after = Snapshot(dir.path);
+        const std::string current = after["big.xml"];
+        EXPECT_TRUE(current == saved || current == old) << attempt;
+        after.erase("big.xml");
+        if (!after.empty()) {
+            ++named;
+            EXPECT_EQ(after.size(), 1u) << attempt;
+            EXPECT_TRUE(after.begin()->first.starts_with(".big.xml." + std::to_string(child) + ".orvia-"))
+                << after.begin()->first;
+            EXPECT_EQ(after.begin()->second, saved) << attempt;
+        }
+    }
+    EXPECT_LE(named, 2) << "kills left a name beside the file";
+    ASSERT_TRUE(Save(Arc(2).Get(), file.c_str()));
+    EXPECT_EQ(Snapshot(dir.path).size(), 1u);
+
+    // What a killed save from before named beside the file goes with the next save; a live process's stays.
+    const std::string dead = ".big.xml." + std::to_string(std::numeric_limits<int>::max() - 1) + ".orvia-1-1";
+    const std::string alive = ".big.xml." + std::to_string(::getppid()) + ".orvia-1-1";
+    const std::string other = ".other.xml.1.orvia-1-1";
+    for (const std::string& name : {dead, alive, other})
+        std::ofstream(dir.path / name) << "left";
+    ASSERT_TRUE(Save(Arc(3).Get(), file.c_str()));
+    EXPECT_FALSE(fs::exists(dir.path / dead));
+    EXPECT_TRUE(fs::exists(dir.path / alive));
+    EXPECT_TRUE(fs::exists(dir.path / other));
 }
 
 TEST(Save, EmptyTextsAreWritten) {

@@ -1,4 +1,5 @@
 #include "ruvex/xml_writer.h"
+#include "well_formed.h"
 
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
@@ -75,27 +76,72 @@ std::string ReferencesAsQuestionMarks(const std::string& text) {
     return out;
 }
 
+// The text written for `reference`, in UTF-8 or Latin-1; warnings are counted.
+std::string Written(const pugi::xml_document& reference, bool latin1, size_t* warnings = nullptr) {
+    WriteDocument document("test");
+    Mirror(reference, &document.root(), document);
+    std::string text;
+    EXPECT_TRUE(document.Serialize(text, latin1));
+    if (warnings) *warnings = document.problems().size();
+    return text;
+}
+
+// A well-formed tree is written as pugixml writes it.
 void ExpectSameText(const pugi::xml_document& reference) {
     for (bool latin1 : {false, true}) {
-        WriteDocument document("test");
-        Mirror(reference, &document.root(), document);
-        std::string text;
-        document.Serialize(text, latin1);
+        std::string text = Written(reference, latin1);
+        std::string expected = PugiText(reference, latin1);
         // Where pugixml writes '?' for a character beyond Latin-1, attribute values and text get a reference.
-        if (latin1) text = ReferencesAsQuestionMarks(text);
-        ASSERT_EQ(text, PugiText(reference, latin1)) << (latin1 ? "Latin-1" : "UTF-8");
+        // In an instruction the '?' may make a "?>" that pugixml leaves and the writer breaks: broken or not,
+        // the texts then compare equal.
+        if (latin1) {
+            text = ReferencesAsQuestionMarks(text);
+            for (std::string* t : {&text, &expected})
+                for (size_t at; (at = t->find("? >")) != std::string::npos;)
+                    t->erase(at + 1, 1);
+        }
+        ASSERT_EQ(text, expected) << (latin1 ? "Latin-1" : "UTF-8");
     }
 }
 
-// Text pieces that need care: markup, quotes, control characters, the sequences that comments, sections and
-// instructions cannot hold, and UTF-8 of one to four bytes (some malformed).
-const char* const kPieces[] = {
-    "a",    "Zz",   " ",  "&",  "<",  ">",   "\"", "'", "\t",          "\n",           "\r",
-    "\x01", "\x1f", "-",  "--", "?>", "]]>", "]",  "?", "caf\xc3\xa9", "\xe2\x82\xac", "\xf0\x9f\x98\x80",
-    "\xff", "\xc3", "1.5"};
+// Text pieces that need care: markup, quotes, the sequences that comments, sections and instructions cannot
+// hold, and UTF-8 of one to four bytes; after kWellFormedPieces, what no XML text can hold as it stands:
+// control characters and malformed UTF-8 (a lone lead, a stray continuation, an overlong form, a surrogate,
+// a noncharacter).
+const char* const kPieces[] = {"a",
+                               "Zz",
+                               " ",
+                               "&",
+                               "<",
+                               ">",
+                               "\"",
+                               "'",
+                               "\t",
+                               "\n",
+                               "\r",
+                               "-",
+                               "--",
+                               "?>",
+                               "]]>",
+                               "]",
+                               "?",
+                               "1.5",
+                               "caf\xc3\xa9",
+                               "\xe2\x82\xac",
+                               "\xf0\x9f\x98\x80",
+                               "\x01",
+                               "\x1f",
+                               "\xff",
+                               "\xc3",
+                               "\x80",
+                               "\xc0\xaf",
+                               "\xed\xa0\x80",
+                               "\xef\xbf\xbe"};
+constexpr size_t kWellFormedPieces = 21;
 
 struct Random {
     uint64_t state;
+    size_t pieces = kWellFormedPieces;
     uint32_t Next() {
         state = state * 6364136223846793005ull + 1442695040888963407ull;
         return static_cast<uint32_t>(state >> 33);
@@ -106,7 +152,7 @@ struct Random {
         std::string text;
         const size_t length = Next() % (maxLength + 1);
         for (size_t i = 0; i < length; ++i)
-            text += kPieces[Next() % (sizeof kPieces / sizeof kPieces[0])];
+            text += kPieces[Next() % pieces];
         return text;
     }
 };
@@ -149,7 +195,7 @@ TEST(WriteDocument, WritesWhatPugixmlWrites) {
     reference.append_child(pugi::node_doctype);
     reference.append_child(pugi::node_comment).set_value("made -- by hand-");
     pugi::xml_node root = reference.append_child("Ruvex");
-    root.append_attribute("a").set_value("x>y<z&w\"q'r\tt\nn\rr\x01 end");
+    root.append_attribute("a").set_value("x>y<z&w\"q'r\tt\nn\rr end");
     root.append_child("Deep").append_child("Deeper").append_child("Deepest").append_child(pugi::node_comment);
     reference.append_child(pugi::node_comment).set_value("after the root");
     ExpectSameText(reference);
@@ -167,6 +213,52 @@ TEST(WriteDocument, WritesWhatPugixmlWrites) {
         ExpectSameText(document);
         if (HasFatalFailure()) return;
     }
+}
+
+TEST(WriteDocument, WritesWellFormedXmlWhateverTheTreeHolds) {
+    // Every piece, malformed ones too, in every kind of node: expat reads what is written, in both encodings.
+    Random random{7};
+    random.pieces = sizeof kPieces / sizeof kPieces[0];
+    size_t warned = 0;
+    for (int round = 0; round < 300; ++round) {
+        pugi::xml_document document;
+        pugi::xml_node root = document.append_child("Ruvex");
+        root.append_attribute("a").set_value(random.Text(6).c_str());
+        Fill(root, random, 0);
+        for (bool latin1 : {false, true}) {
+            size_t warnings = 0;
+            std::string text = Written(document, latin1, &warnings);
+            if (latin1) text = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n" + text;
+            ASSERT_EQ(NotWellFormed(text), "") << text;
+            warned += warnings > 0;
+        }
+    }
+    EXPECT_GT(warned, 100u);
+
+    // What cannot be kept is left out or replaced, with one warning per kind; the rest is written.
+    WriteDocument document("test");
+    WriteNode* element = document.NewNode(WriteNode::Kind::Element, "E");
+    document.root().Insert(element, nullptr);
+    element->AppendAttribute("a", "1");
+    element->AppendAttribute("a", "2");
+    element->AppendAttribute("1x", "3");
+    element->AppendAttribute("b", "x\x01y\xffz");
+    element->Insert(document.NewNode(Ruvex::NodeKind::ProcessingInstruction, "xml", "v"), nullptr);
+    element->Insert(document.NewNode(Ruvex::NodeKind::ProcessingInstruction, "", "v"), nullptr);
+    element->Insert(document.NewNode(Ruvex::NodeKind::Comment, {}, "\xe2\x82\xac"), nullptr);
+    std::string text;
+    ASSERT_TRUE(document.Serialize(text, true));
+    EXPECT_EQ(text, "<E a=\"2\" b=\"x&#65533;y&#65533;z\">\n  <!--?-->\n</E>\n");
+    ASSERT_EQ(document.problems().size(), 4u);
+    for (const Ruvex::Problem& problem : document.problems())
+        EXPECT_TRUE(problem.warning) << problem.message;
+
+    // An element whose name is no XML name cannot be written at all.
+    WriteDocument unnamed("test");
+    unnamed.root().Insert(unnamed.NewNode(WriteNode::Kind::Element, "a b"), nullptr);
+    EXPECT_FALSE(unnamed.Serialize(text, false));
+    EXPECT_EQ(text, "");
+    EXPECT_TRUE(unnamed.HasErrors());
 }
 
 TEST(WriteDocument, EditsLikeTheDomInterface) {

@@ -136,7 +136,7 @@ TEST_F(OrviaTool, FailuresGiveOneLineWithThePlace) {
     const std::string road = Write("road.xml", R"(<Ruvex version="2.5"><Road name="R"/></Ruvex>)");
     run = Orvia("geo '" + road + "' --to-wgs84 0 0 0");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err, road + ": the file holds no network\n");
+    EXPECT_EQ(run.err, road + ":1:22: the file holds no network: its element is <Road>\n");
 
     run = Orvia("info '" + (dir_ / "missing.xml").string() + "'");
     EXPECT_EQ(run.status, 1);
@@ -184,6 +184,57 @@ TEST_F(OrviaTool, GeoConvertsBothWays) {
     EXPECT_NE(Orvia("geo '" + example_ + "'").status, 0);
     EXPECT_NE(Orvia("geo '" + example_ + "' --to-wgs84 0 0 0 --to-local 1 2 3").status, 0);
     EXPECT_NE(Orvia("geo '" + example_ + "' --to-wgs84 0 0").status, 0);
+}
+
+TEST_F(OrviaTool, GeoRefusesWhatIsNoPlaceOnEarth) {
+    for (const char* point : {"--to-local 1e8 0 0", "--to-local 45 -181 0", "--to-local nan 0 0",
+                              "--to-wgs84 0 1e300 0", "--to-wgs84 0 0 -1e6", "--to-wgs84 inf 0 0"}) {
+        Outcome run = Orvia("geo '" + example_ + "' " + point);
+        EXPECT_EQ(run.status, 1) << point;
+        EXPECT_TRUE(run.out.empty()) << point << ": " << run.out;
+        EXPECT_NE(run.err.find("is outside"), std::string::npos) << point << ": " << run.err;
+    }
+    Outcome run = Orvia("geo '" + example_ + "' --to-local 1e8 0 0");
+    EXPECT_EQ(run.err, example_ + ": latitude 1e+08 is outside [-90, 90] degrees\n");
+
+    // A projection centred far beyond the Earth gives no answer either.
+    std::string text = ReadFile(example_);
+    const size_t centre = text.find("centerX=\"");
+    ASSERT_NE(centre, std::string::npos);
+    text.replace(centre + 9, text.find('"', centre + 9) - centre - 9, "1e308");
+    const std::string far = Write("far.xml", text);
+    run = Orvia("geo '" + far + "' --to-wgs84 0 0 0");
+    EXPECT_EQ(run.status, 1) << run.out;
+    EXPECT_TRUE(run.out.empty()) << run.out;
+    EXPECT_EQ(run.err, far +
+                           ": the network's projection is centred at (1e+308, 6.51992e+06, 170), which is no "
+                           "place on Earth\n");
+}
+
+TEST_F(OrviaTool, NamesCannotDriveTheTerminal) {
+    // XML holds no C0 control but the line breaks and tab; C1 controls and DEL it does.
+    const std::string named = Write("named.xml",
+                                    "<Ruvex version=\"2.5\"><Network name=\"a\xC2\x9B"
+                                    "2Jb\x7F\\&#9;\"/></Ruvex>");
+    Outcome run = Orvia("info '" + named + "'");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("name:           a\\x9B"
+                           "2Jb\\x7F\\\\\\x09\n"),
+              std::string::npos)
+        << run.out;
+    run = Orvia("info --json '" + named + "'");
+    EXPECT_NE(run.out.find("\"name\": \"a\xC2\x9B"
+                           "2Jb\\u007f\\\\\\u0009\""),
+              std::string::npos)
+        << run.out;
+    // Nor can the problems that quote them.
+    const std::string bad = Write("bad.xml",
+                                  "<Ruvex version=\"2.5\"><Network><Roads><Road name=\"x\" "
+                                  "priorityLevel=\"\xC2\x9B]0;title\"/></Roads></Network></Ruvex>");
+    run = Orvia("info '" + bad + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err.find("\xC2\x9B"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("\\x9B]0;title"), std::string::npos) << run.err;
 }
 
 TEST_F(OrviaTool, HelpForEveryCommand) {

@@ -51,6 +51,10 @@ int RunRail(const RailOptions& options);
 // parse, is bad input: its problems are printed one per line and 1 is returned; 0 otherwise.
 int LoadNetwork(const std::string& file, Ruvex::CountedPtr<Orvia::Network>& network);
 
+// `text` with control characters (C0, DEL and, in UTF-8, C1) written as \xHH and backslashes doubled, so
+// that names from a file cannot drive the terminal.
+std::string Printable(const std::string& text);
+
 // Prints the element layer's first error (or `fallback` about `file` when it recorded none) and returns 1.
 int Fail(const std::string& file, const std::string& fallback);
 

@@ -41,7 +41,7 @@ std::string JsonText(const std::string& text) {
         if (c == '"' || c == '\\') {
             out += '\\';
             out += static_cast<char>(c);
-        } else if (c < 0x20) {
+        } else if (c < 0x20 || c == 0x7F) {
             char escaped[8];
             std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
             out += escaped;
@@ -53,11 +53,11 @@ std::string JsonText(const std::string& text) {
 }
 
 void PrintText(const std::string& file, const Summary& s) {
-    std::printf("file:           %s\n", file.c_str());
+    std::printf("file:           %s\n", Printable(file).c_str());
     std::printf("format version: %s\n", s.version.c_str());
-    std::printf("name:           %s\n", s.name.c_str());
-    std::printf("traffic hand:   %s\n", s.trafficHand.c_str());
-    std::printf("projection:     %s\n", s.projection.empty() ? "(none)" : s.projection.c_str());
+    std::printf("name:           %s\n", Printable(s.name).c_str());
+    std::printf("traffic hand:   %s\n", Printable(s.trafficHand).c_str());
+    std::printf("projection:     %s\n", s.projection.empty() ? "(none)" : Printable(s.projection).c_str());
     std::printf("sub-networks:   %zu\n", s.subNetworks);
     std::printf("junctions:      %zu\n", s.junctions);
     std::printf("roads:          %zu\n", s.roads);
