@@ -18,7 +18,11 @@ namespace {
 
 // Bytes written to a file and loaded from there (UTF-16 cannot come from a C string).
 CountedPtr<Element> LoadBytes(const std::string& bytes) {
-    const std::filesystem::path path = std::filesystem::temp_directory_path() / "orvia_encoding_test.xml";
+    // ctest runs the tests of this file side by side: one file per test.
+    const std::filesystem::path path =
+        std::filesystem::temp_directory_path() /
+        ("orvia_encoding_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) +
+         ".xml");
     std::ofstream(path, std::ios::binary) << bytes;
     CountedPtr<Element> root(Load(path.c_str(), false));
     std::filesystem::remove(path);
