@@ -29,6 +29,13 @@ T* FindByName(const Ruvex::HashVector<Ruvex::CountedPtr<T>>& list, const std::st
     return index == list.npos ? nullptr : list[index].Get();
 }
 
+// Appends `clone` when it is of the list's class; otherwise it is destroyed.
+template <class T>
+void PushClone(Ruvex::HashVector<Ruvex::CountedPtr<T>>& list, Ruvex::Element* clone) {
+    Ruvex::CountedPtr<Ruvex::Element> owned(clone);
+    if (auto* item = dynamic_cast<T*>(clone)) list.push_back(Ruvex::CountedPtr<T>(item));
+}
+
 void GiveVehicleRules(Lane* lane) {
     Ruvex::CountedPtr<Ruvex::Element> created(Ruvex::CreateElement("VehicleType"));
     auto* rules = dynamic_cast<Ruvex::VehicleTypeElement*>(created.Get());
@@ -151,6 +158,7 @@ bool Profile::RemoveLane(size_t index) {
         lane->SetHorWidth(0.0, toRight);
         borderToRemove = toRight ? index + 1 : index;
     }
+    if (Lane* lane = GetLane(index)) lane->m_profile = nullptr;
     m_Lanes.erase(index);
     if (borderToRemove < m_LaneBorders.size())
         m_LaneBorders.erase(m_LaneBorders.begin() + static_cast<std::ptrdiff_t>(borderToRemove));
@@ -469,7 +477,20 @@ ProfileStandalone* ProfileStandalone::Load(const char* path) {
 
 ProfileStandalone* ProfileStandalone::Clone() const {
     auto* copy = new ProfileStandalone;
-    CopyElementContent(*this, *copy);
+    // Runtime members hold state beyond their records (a decoration's shape): each clones itself.
+    for (const auto& item : m_Profiles) {
+        const auto* profile = dynamic_cast<const Profile*>(item.Get());
+        if (item) PushClone(copy->m_Profiles, profile ? profile->Clone() : CloneElement(*item));
+    }
+    for (const auto& item : m_Markings) {
+        const auto* marking = dynamic_cast<const Marking*>(item.Get());
+        if (item) PushClone(copy->m_Markings, marking ? marking->Clone() : CloneElement(*item));
+    }
+    for (const auto& item : m_Grounds)
+        if (item) PushClone(copy->m_Grounds, CloneElement(*item));
+    for (const auto& item : m_Materials)
+        if (item) PushClone(copy->m_Materials, CloneElement(*item));
+    if (const Ruvex::PreservedContent* kept = GetPreserved()) copy->EditPreserved() = *kept;
     copy->PostLoad();
     return copy;
 }
