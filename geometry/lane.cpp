@@ -15,9 +15,9 @@ namespace Orvia {
 namespace {
 
 constexpr std::array<const char*, 20> kLaneTypeTexts = {
-    "paved",    "paved entry", "paved exit", "paved express", "paved roundabout", "sidewalk", "emergency",
-    "parking",  "zebra",       "median",     "shoulder",      "embankment",       "ditch",    "barrier",
-    "land",     "runway",      "taxiway",    "paved major",   "hard shoulder",    "curb"};
+    "paved",   "paved entry", "paved exit", "paved express", "paved roundabout", "sidewalk", "emergency",
+    "parking", "zebra",       "median",     "shoulder",      "embankment",       "ditch",    "barrier",
+    "land",    "runway",      "taxiway",    "paved major",   "hard shoulder",    "curb"};
 constexpr std::array<const char*, 4> kWayTexts = {"none", "direct", "inverse", "both"};
 constexpr std::array<const char*, 4> kRoadTypeTexts = {"none", "tunnel", "bridge", "unknown"};
 constexpr const char* kUnknownText = "unknown";
@@ -40,9 +40,10 @@ bool InMask(LaneType type, uint32_t mask) {
     return static_cast<uint32_t>(type) < kMaskedTypes && (mask >> static_cast<uint32_t>(type) & 1u) != 0;
 }
 
-void Warn(Ruvex::IDOMParser* parser, Ruvex::IDOMElement* element, const char* attribute, const std::string& text,
-          const char* fallback) {
-    parser->ReportWarning(element, std::string("unknown ") + attribute + " \"" + text + "\", read as " + fallback);
+void Warn(Ruvex::IDOMParser* parser, Ruvex::IDOMElement* element, const char* attribute,
+          const std::string& text, const char* fallback) {
+    parser->ReportWarning(element,
+                          std::string("unknown ") + attribute + " \"" + text + "\", read as " + fallback);
 }
 
 }  // namespace
@@ -144,12 +145,14 @@ double Lane::GetHorWidth() const {
 
 std::pair<double, double> Lane::GetLeftPosition() const {
     const LaneBorder* border = GetLeftKey();
-    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis()) : std::pair(0.0, 0.0);
+    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis())
+                  : std::pair(0.0, 0.0);
 }
 
 std::pair<double, double> Lane::GetRightPosition() const {
     const LaneBorder* border = GetRightKey();
-    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis()) : std::pair(0.0, 0.0);
+    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis())
+                  : std::pair(0.0, 0.0);
 }
 
 std::pair<double, double> Lane::GetCenterOffset() const {
@@ -250,7 +253,8 @@ bool Lane::IsEqual(const Lane* other) const {
     const Ruvex::VehicleTypeElement* a = m_VehicleAuth.Get();
     const Ruvex::VehicleTypeElement* b = other->m_VehicleAuth.Get();
     if (!a || !b) return a == b;
-    return a->GetVehicleCategories() == b->GetVehicleCategories() && a->GetWeightLimit() == b->GetWeightLimit() &&
+    return a->GetVehicleCategories() == b->GetVehicleCategories() &&
+           a->GetWeightLimit() == b->GetWeightLimit() &&
            a->GetWeightPerAxleLimit() == b->GetWeightPerAxleLimit() &&
            a->GetTrailedWeightLimit() == b->GetTrailedWeightLimit() &&
            a->GetHeightLimit() == b->GetHeightLimit() && a->GetWidthLimit() == b->GetWidthLimit() &&
@@ -318,7 +322,8 @@ bool LaneBorder::IsEqual(const LaneBorder* other, double tolerance) const {
     if (!other) return false;
     if (std::fabs(m_HorizDistToAxis - other->m_HorizDistToAxis) > tolerance ||
         std::fabs(m_VertDistToAxis - other->m_VertDistToAxis) > tolerance ||
-        std::fabs(m_MarkingOffset - other->m_MarkingOffset) > tolerance || m_MarkingName != other->m_MarkingName)
+        std::fabs(m_MarkingOffset - other->m_MarkingOffset) > tolerance ||
+        m_MarkingName != other->m_MarkingName)
         return false;
     const Ruvex::DecorationElement* a = m_Decoration.Get();
     const Ruvex::DecorationElement* b = other->m_Decoration.Get();

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::array<const char*, 4> kLogicTexts = {"unknown", "can", "warning", "cannot"};
 
-Ruvex::MaterialElement* FindMaterial(const Ruvex::HashVector<Ruvex::CountedPtr<Ruvex::MaterialElement>>& materials,
-                                     const std::string& name) {
+Ruvex::MaterialElement* FindMaterial(
+    const Ruvex::HashVector<Ruvex::CountedPtr<Ruvex::MaterialElement>>& materials, const std::string& name) {
     if (name.empty()) return nullptr;
     const size_t index = materials.find(name);
     return index == materials.npos ? nullptr : materials[index].Get();

@@ -62,7 +62,11 @@ Profile* MakeTwoLanes(ECirculationWay leftWay, ECirculationWay rightWay) {
 
 }  // namespace
 
-Profile::~Profile() = default;
+Profile::~Profile() {
+    // Lanes held elsewhere outlive their profile.
+    for (Lane* lane : m_lanes)
+        if (lane && lane->m_profile == this) lane->m_profile = nullptr;
+}
 
 bool Profile::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
@@ -117,7 +121,8 @@ void Profile::UpdateMaps() {
 }
 
 Lane* Profile::AddLane() {
-    if (m_LaneBorders.empty()) m_LaneBorders.push_back(Ruvex::CountedPtr<Ruvex::LaneBorderElement>(new LaneBorder));
+    if (m_LaneBorders.empty())
+        m_LaneBorders.push_back(Ruvex::CountedPtr<Ruvex::LaneBorderElement>(new LaneBorder));
     auto* border = new LaneBorder;
     if (const Ruvex::LaneBorderElement* last = m_LaneBorders.back().Get()) {
         border->SetHorizDistToAxis(last->GetHorizDistToAxis());
@@ -238,12 +243,14 @@ Lane* Profile::GetRightLane(const LaneBorder* border) const {
 
 std::pair<double, double> Profile::GetLeftPos() const {
     const Ruvex::LaneBorderElement* border = m_LaneBorders.empty() ? nullptr : m_LaneBorders.front().Get();
-    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis()) : std::pair(0.0, 0.0);
+    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis())
+                  : std::pair(0.0, 0.0);
 }
 
 std::pair<double, double> Profile::GetRightPos() const {
     const Ruvex::LaneBorderElement* border = m_LaneBorders.empty() ? nullptr : m_LaneBorders.back().Get();
-    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis()) : std::pair(0.0, 0.0);
+    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis())
+                  : std::pair(0.0, 0.0);
 }
 
 void Profile::SetRoadType(ERoadType type) {
@@ -350,7 +357,8 @@ std::vector<ProfileProblem> Profile::CheckStructure() const {
     if ((lanes != 0 || borders != 0) && borders != lanes + 1)
         problems.push_back({m_line, m_column,
                             "profile \"" + m_name + "\" has " + std::to_string(lanes) + " lanes and " +
-                                std::to_string(borders) + " borders (expected " + std::to_string(lanes + 1) + ")"});
+                                std::to_string(borders) + " borders (expected " + std::to_string(lanes + 1) +
+                                ")"});
     for (size_t i = 1; i < m_borders.size(); ++i) {
         const LaneBorder* before = m_borders[i - 1];
         const LaneBorder* border = m_borders[i];
@@ -364,13 +372,14 @@ std::vector<ProfileProblem> Profile::CheckStructure() const {
     }
     for (size_t i = 0; i < m_lanes.size(); ++i)
         if (!m_lanes[i])
-            problems.push_back({m_line, m_column,
-                                "profile \"" + m_name + "\": lane " + std::to_string(i) + " is not a lane object"});
+            problems.push_back(
+                {m_line, m_column,
+                 "profile \"" + m_name + "\": lane " + std::to_string(i) + " is not a lane object"});
     for (size_t i = 0; i < m_borders.size(); ++i)
         if (!m_borders[i])
-            problems.push_back({m_line, m_column,
-                                "profile \"" + m_name + "\": border " + std::to_string(i) +
-                                    " is not a border object"});
+            problems.push_back(
+                {m_line, m_column,
+                 "profile \"" + m_name + "\": border " + std::to_string(i) + " is not a border object"});
     return problems;
 }
 
@@ -499,7 +508,8 @@ void ProfileStandalone::PostLoad() {
     for (const auto& item : m_Markings)
         if (auto* marking = dynamic_cast<Marking*>(item.Get())) marking->PostLoad(m_Materials);
     for (const auto& item : m_Profiles)
-        if (auto* profile = dynamic_cast<Profile*>(item.Get())) profile->PostLoad(m_Markings, m_Grounds, m_Materials);
+        if (auto* profile = dynamic_cast<Profile*>(item.Get()))
+            profile->PostLoad(m_Markings, m_Grounds, m_Materials);
 }
 
 Marking* ProfileStandalone::FindMarking(const std::string& name) const {
@@ -509,7 +519,8 @@ Marking* ProfileStandalone::FindMarking(const std::string& name) const {
 size_t ProfileStandalone::ChangeGroundName(const std::string& oldName, const std::string& newName) {
     size_t changed = 0;
     for (const auto& item : m_Profiles)
-        if (auto* profile = dynamic_cast<Profile*>(item.Get())) changed += profile->ChangeGroundName(oldName, newName);
+        if (auto* profile = dynamic_cast<Profile*>(item.Get()))
+            changed += profile->ChangeGroundName(oldName, newName);
     PostLoad();
     return changed;
 }

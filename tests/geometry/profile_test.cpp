@@ -56,8 +56,8 @@ void ExpectMapsInStep(const Profile& profile) {
 }
 
 CountedPtr<Ruvex::Element> LoadText(const std::string& body, const char* version = "2.5") {
-    const std::string text = std::string("<Ruvex version=\"") + version + "\" versionRevision=\"0\">" + body +
-                             "</Ruvex>";
+    const std::string text =
+        std::string("<Ruvex version=\"") + version + "\" versionRevision=\"0\">" + body + "</Ruvex>";
     return CountedPtr<Ruvex::Element>(Ruvex::Load(text.c_str(), true));
 }
 
@@ -118,7 +118,8 @@ TEST(Lane, WidthEditsMoveTheOuterBorders) {
     EXPECT_EQ(middle->GetLeftPositionX(), -4.0);
     EXPECT_FALSE(middle->SetLeftHorDistance(-1.0, true));
     EXPECT_EQ(middle->GetLeftPositionX(), -1.0);
-    EXPECT_TRUE(left->SetLeftHorDistance(0.5, true));  // the first lane has no lower limit, only its right border
+    EXPECT_TRUE(
+        left->SetLeftHorDistance(0.5, true));  // the first lane has no lower limit, only its right border
     EXPECT_EQ(left->GetLeftPositionX(), -1.0);
     EXPECT_FALSE(left->SetLeftHorDistance(-50.0, true));
     EXPECT_TRUE(middle->SetRightHorDistance(-9.0, true));
@@ -143,7 +144,8 @@ TEST(Profile, LaneWithDistance) {
     EXPECT_EQ(profile->GetLaneWithDistance(0.0), profile->GetLane(0));  // a border belongs to its left lane
     EXPECT_EQ(profile->GetLaneWithDistance(1e-12), profile->GetLane(1));
     EXPECT_EQ(profile->GetLaneWithDistance(3.5), profile->GetLane(1));
-    EXPECT_EQ(profile->GetLaneWithDistance(100.0), profile->GetLane(1));  // beyond every border: the last lane
+    EXPECT_EQ(profile->GetLaneWithDistance(100.0),
+              profile->GetLane(1));  // beyond every border: the last lane
 
     // Lists that break the rule still answer: no border after the last lane, then no border at all.
     profile->EditLaneBorders().pop_back();
@@ -168,27 +170,30 @@ TEST(Profile, MapsStayInStepThroughRandomEdits) {
         const size_t lanes = profile->GetLaneCount();
         const size_t index = lanes ? random() % (lanes + 1) : 0;
         switch (random() % 7) {
-        case 0:
-            profile->AddLane()->SetHorWidth(1.0 + random() % 3, random() % 2 == 0);
-            break;
-        case 1:
-            profile->InsertLane(index)->SetHorWidth(2.0);
-            break;
-        case 2:
-            EXPECT_EQ(profile->RemoveLane(index), index < lanes);
-            break;
-        case 3:
-            if (lanes) profile->GetLane(index % lanes)->SetHorWidth(0.5 * (random() % 8), random() % 2 == 0);
-            break;
-        case 4:
-            profile->Invert(random() % 2 == 0);
-            break;
-        case 5:
-            if (lanes > 6) profile->ClearLanes();
-            break;
-        default:
-            if (lanes) profile->GetLane(index % lanes)->SetRightHorDistance(static_cast<double>(random() % 20) - 10.0, true);
-            break;
+            case 0:
+                profile->AddLane()->SetHorWidth(1.0 + random() % 3, random() % 2 == 0);
+                break;
+            case 1:
+                profile->InsertLane(index)->SetHorWidth(2.0);
+                break;
+            case 2:
+                EXPECT_EQ(profile->RemoveLane(index), index < lanes);
+                break;
+            case 3:
+                if (lanes)
+                    profile->GetLane(index % lanes)->SetHorWidth(0.5 * (random() % 8), random() % 2 == 0);
+                break;
+            case 4:
+                profile->Invert(random() % 2 == 0);
+                break;
+            case 5:
+                if (lanes > 6) profile->ClearLanes();
+                break;
+            default:
+                if (lanes)
+                    profile->GetLane(index % lanes)
+                        ->SetRightHorDistance(static_cast<double>(random() % 20) - 10.0, true);
+                break;
         }
         ExpectMapsInStep(*profile);
         EXPECT_TRUE(profile->CheckStructure().empty()) << "step " << step;
@@ -519,8 +524,9 @@ TEST(Profile, VersionGateBoundaries) {
         R"(<Profile name="P" roadType="tunnel"><Lane laneType="median"/><LaneBorder horizDistToAxis="-1"/>)"
         R"(<LaneBorder horizDistToAxis="1"/></Profile>)";
     // 2.0.0 and older go through the converter, 2.0.1 is read as the current layout: the same record.
-    for (const char* version : {R"(version="1.9" versionRevision="9")", R"(version="2.0" versionRevision="0")",
-                                R"(version="2.0" versionRevision="1")"}) {
+    for (const char* version :
+         {R"(version="1.9" versionRevision="9")", R"(version="2.0" versionRevision="0")",
+          R"(version="2.0" versionRevision="1")"}) {
         const std::string text = std::string("<Ruvex ") + version + ">" + body + "</Ruvex>";
         CountedPtr<Ruvex::Element> root(Ruvex::Load(text.c_str(), true));
         auto* profile = dynamic_cast<Profile*>(root.Get());
@@ -531,4 +537,38 @@ TEST(Profile, VersionGateBoundaries) {
         EXPECT_EQ(profile->GetLane(0)->GetHorWidth(), 2.0) << version;
     }
     EXPECT_FALSE(CountedPtr<Profile>(new Profile)->LoadFromXMLElement(nullptr, nullptr));
+}
+
+TEST(Profile, ExampleRoundTripsWithReferencesResolved) {
+    Init(Ruvex::Encoding::GetMode());
+    CountedPtr<Network> network(
+        Network::Load((std::string(ORVIA_SOURCE_DIR) + "/examples/city_centre.xml").c_str(), {}));
+    ASSERT_TRUE(network);
+    EXPECT_TRUE(Ruvex::GetLastProblems().empty());
+    size_t resolved = 0;
+    for (size_t i = 0; i < network->GetSubNetworkCount(); ++i) {
+        const SubNetwork* sub = network->GetSubNetwork(i);
+        for (const auto& item : sub->GetProfiles()) {
+            const auto* profile = dynamic_cast<const Profile*>(item.Get());
+            ASSERT_NE(profile, nullptr);
+            EXPECT_TRUE(profile->CheckStructure().empty());
+            for (size_t j = 0; j < profile->GetLaneBorderCount(); ++j) {
+                const LaneBorder* border = profile->GetLaneBorder(j);
+                const bool named = sub->GetMarkings().contains(border->GetMarkingName());
+                EXPECT_EQ(border->GetMarking() != nullptr, named) << border->GetMarkingName();
+                resolved += named;
+            }
+            for (size_t j = 0; j < profile->GetLaneCount(); ++j) {
+                const Lane* lane = profile->GetLane(j);
+                EXPECT_EQ(lane->GetGroundElement() != nullptr,
+                          sub->GetGrounds().contains(lane->GetGroundName()));
+                resolved += lane->GetGroundElement() != nullptr;
+            }
+        }
+    }
+    EXPECT_GT(resolved, 3u);
+    const std::string saved = Ruvex::SaveToString(network.Get());
+    CountedPtr<Network> again(Network::Load(saved.c_str(), saved.size(), {}));
+    ASSERT_TRUE(again);
+    EXPECT_EQ(Ruvex::SaveToString(again.Get()), saved);
 }

@@ -30,7 +30,8 @@ TEST(Ground, TypeTextsAndFallback) {
 
     // An unknown text loads as asphalt with a warning at its place, and is saved as read.
     Init(Ruvex::Encoding::GetMode());
-    const char* text = "<Ruvex version=\"2.5\" versionRevision=\"0\">\n<Ground name=\"G\" type=\"mud\"/></Ruvex>";
+    const char* text =
+        "<Ruvex version=\"2.5\" versionRevision=\"0\">\n<Ground name=\"G\" type=\"mud\"/></Ruvex>";
     CountedPtr<Ruvex::Element> root(Ruvex::Load(text, true));
     auto* loaded = dynamic_cast<Ground*>(root.Get());
     ASSERT_NE(loaded, nullptr);

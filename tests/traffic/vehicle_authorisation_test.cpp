@@ -25,7 +25,8 @@ TEST(VehicleAuthorisation, CategoryTexts) {
     EXPECT_EQ(VA::StringToVehicleCategories("none"), 0u);
     EXPECT_EQ(VA::StringToVehicleCategories(""), 0u);
     EXPECT_EQ(VA::StringToVehicleCategories(nullptr), 0u);
-    EXPECT_EQ(VA::StringToVehicleCategoryCombo(VA::VehicleCategoryComboToString(0xABCDEF).c_str()), 0xABCDEFu);
+    EXPECT_EQ(VA::StringToVehicleCategoryCombo(VA::VehicleCategoryComboToString(0xABCDEF).c_str()),
+              0xABCDEFu);
     EXPECT_STREQ(VA::ToString(VA::ePolutingTransport), "poluting transport");
     EXPECT_EQ(VA::ToString(0), nullptr);
     EXPECT_EQ(VA::ToString(0x3), nullptr);
@@ -93,7 +94,8 @@ TEST(VehicleAuthorisation, CategoriesAndLimits) {
 TEST(VehicleAuthorisation, UnknownWordsWarnAndAreKept) {
     Init(Ruvex::Encoding::GetMode());
     const char* text =
-        "<Ruvex version=\"2.5\" versionRevision=\"0\">\n\n<VehicleType vehicleCategories=\"car,lorry\"/></Ruvex>";
+        "<Ruvex version=\"2.5\" versionRevision=\"0\">\n\n<VehicleType "
+        "vehicleCategories=\"car,lorry\"/></Ruvex>";
     CountedPtr<Ruvex::Element> root(Ruvex::Load(text, true));
     auto* rules = dynamic_cast<VA*>(root.Get());
     ASSERT_NE(rules, nullptr);

@@ -63,7 +63,8 @@ void PrintText(const std::vector<Group>& groups) {
             std::printf("sub-network %s\n", group.name.c_str());
         for (const Orvia::Profile* profile : group.profiles) {
             std::printf("  profile %s (road type %s, %zu lanes, %zu borders)\n", profile->GetName().c_str(),
-                        profile->GetRoadTypeText().c_str(), profile->GetLaneCount(), profile->GetLaneBorderCount());
+                        profile->GetRoadTypeText().c_str(), profile->GetLaneCount(),
+                        profile->GetLaneBorderCount());
             for (size_t i = 0; i < profile->GetLaneCount(); ++i) {
                 const Orvia::Lane* lane = profile->GetLane(i);
                 if (!lane) continue;
@@ -79,7 +80,8 @@ void PrintText(const std::vector<Group>& groups) {
     }
 }
 
-void PrintJson(const std::string& file, const std::vector<Group>& groups, const std::vector<Ruvex::Problem>& problems) {
+void PrintJson(const std::string& file, const std::vector<Group>& groups,
+               const std::vector<Ruvex::Problem>& problems) {
     std::string out = "{\"file\": " + Json(file) + ", \"subNetworks\": [";
     for (size_t g = 0; g < groups.size(); ++g) {
         out += (g ? ", " : "") + std::string("{\"name\": ") + Json(groups[g].name) + ", \"profiles\": [";
@@ -96,8 +98,9 @@ void PrintJson(const std::string& file, const std::vector<Group>& groups, const 
                 const Orvia::LaneBorder* right = lane->GetRightKey();
                 out += (first ? "" : ", ") + std::string("{\"name\": ") + Json(lane->GetName()) +
                        ", \"type\": " + Json(lane->GetLaneTypeText()) +
-                       ", \"way\": " + Json(lane->GetCirculationWayText()) + ", \"left\": " + Distance(left, true) +
-                       ", \"right\": " + Distance(right, true) + ", \"leftMarking\": " + Json(MarkingOf(left)) +
+                       ", \"way\": " + Json(lane->GetCirculationWayText()) +
+                       ", \"left\": " + Distance(left, true) + ", \"right\": " + Distance(right, true) +
+                       ", \"leftMarking\": " + Json(MarkingOf(left)) +
                        ", \"rightMarking\": " + Json(MarkingOf(right)) + "}";
                 first = false;
             }
@@ -108,14 +111,15 @@ void PrintJson(const std::string& file, const std::vector<Group>& groups, const 
     out += "], \"problems\": [";
     for (size_t i = 0; i < problems.size(); ++i)
         out += (i ? ", " : "") + std::string("{\"line\": ") + std::to_string(problems[i].line) +
-               ", \"column\": " + std::to_string(problems[i].column) + ", \"message\": " +
-               Json(problems[i].message) + "}";
+               ", \"column\": " + std::to_string(problems[i].column) +
+               ", \"message\": " + Json(problems[i].message) + "}";
     std::printf("%s]}\n", out.c_str());
 }
 
 void AddProfiles(const Ruvex::HashVector<Ruvex::CountedPtr<Ruvex::ProfileElement>>& list, Group& group) {
     for (const auto& item : list)
-        if (const auto* profile = dynamic_cast<const Orvia::Profile*>(item.Get())) group.profiles.push_back(profile);
+        if (const auto* profile = dynamic_cast<const Orvia::Profile*>(item.Get()))
+            group.profiles.push_back(profile);
 }
 
 }  // namespace

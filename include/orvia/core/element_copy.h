@@ -19,8 +19,8 @@ bool CopyElementContent(const Ruvex::Element& source, Ruvex::Element& target);
 // it). Null when the factory makes an element of another class for that tag.
 Ruvex::Element* CloneElement(const Ruvex::Element& source);
 
-// True when the two hold the same content: the same schema, every declared attribute written alike (so numbers
-// compare exactly), the declared children pairwise alike in order, and the same preserved attributes.
+// True when the two hold the same content: the same schema, every declared attribute written alike (so
+// numbers compare exactly), the declared children pairwise alike in order, and the same preserved attributes.
 bool ElementContentEquals(const Ruvex::Element& a, const Ruvex::Element& b);
 
 }  // namespace Orvia

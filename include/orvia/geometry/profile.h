@@ -3,9 +3,9 @@
 // Cross-section profiles: lanes from left to right separated by borders, the markings and decorations that
 // borders carry, and the library files that keep a profile or a marking on its own.
 //
-// Lateral distances are in metres from the axis, positive to the right of the direction of travel (negative on
-// the left); vertical distances in metres above the axis. Lanes and borders refer by name to markings, grounds
-// and materials kept by their owner (a sub-network or a library file); post-load turns the names into
+// Lateral distances are in metres from the axis, positive to the right of the direction of travel (negative
+// on the left); vertical distances in metres above the axis. Lanes and borders refer by name to markings,
+// grounds and materials kept by their owner (a sub-network or a library file); post-load turns the names into
 // pointers, and a name that matches nothing stays as text, is saved unchanged and leaves the pointer null.
 
 #include <orvia/ruvex/elements/profile.h>
@@ -198,12 +198,13 @@ public:
     ~Lane() override;
 
     // Reads the record, then the lane type and the way from their texts; a text outside its table takes the
-    // table's fallback (kUnknownLaneType, kUnknownCirculationWay) and is reported as a warning, the text being
-    // kept and saved as read.
+    // table's fallback (kUnknownLaneType, kUnknownCirculationWay) and is reported as a warning, the text
+    // being kept and saved as read.
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
 
-    // --- Borders --------------------------------------------------------------------------------------------
-    // Null when the lane has no profile or the profile lacks the border.
+    // --- Borders
+    // -------------------------------------------------------------------------------------------- Null when
+    // the lane has no profile or the profile lacks the border.
     LaneBorder* GetLeftKey() const;
     LaneBorder* GetRightKey() const;
     // Index among the profile's borders; npos when absent.
@@ -233,7 +234,8 @@ public:
     // Midpoint of the two border positions.
     std::pair<double, double> GetCenterOffset() const;
 
-    // --- Type, way, speed -----------------------------------------------------------------------------------
+    // --- Type, way, speed
+    // -----------------------------------------------------------------------------------
     LaneType GetLaneType() const { return m_laneType; }
     // Stores the type and its text ("unknown" outside the table).
     void SetLaneType(LaneType type);
@@ -246,7 +248,8 @@ public:
     // lane's side, the lane is fast enough for that speed.
     bool IsTooFast(double speed) const;
 
-    // --- Classes of lane types ------------------------------------------------------------------------------
+    // --- Classes of lane types
+    // ------------------------------------------------------------------------------
     static bool PavedType(LaneType type);
     static bool Driveable(LaneType type);
     static bool NotDriveable(LaneType type) { return !Driveable(type); }
@@ -268,8 +271,9 @@ public:
     // The type of an exact text; kUnknownLaneType for any other (and for null).
     static LaneType ToELaneType(const char* text);
 
-    // --- Ground, material, vehicles -------------------------------------------------------------------------
-    // The ground named by the record, once resolved; null when unresolved or of a class other than Ground.
+    // --- Ground, material, vehicles
+    // ------------------------------------------------------------------------- The ground named by the
+    // record, once resolved; null when unresolved or of a class other than Ground.
     Ground* GetGround() const;
     // Stores the ground and its name (null clears both).
     void SetGround(Ground* ground);
@@ -330,6 +334,9 @@ public:
     static constexpr double kDefaultSpeedLimit = 13.8888889;
 
     Profile() = default;
+    // The maps point into the lists: copies go through Clone.
+    Profile(const Profile&) = delete;
+    Profile& operator=(const Profile&) = delete;
     ~Profile() override;
 
     // False for null arguments. Clears lanes and borders, reads the record (documents of version 2.0.0 and
@@ -338,9 +345,10 @@ public:
     // break the structure load as they stand (see CheckStructure).
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
 
-    // --- Lanes ----------------------------------------------------------------------------------------------
-    // Appends a lane of width 0 at the right end (its right border copies the last border; an empty profile
-    // first gets a border at (0, 0)). Returns the new lane.
+    // --- Lanes
+    // ---------------------------------------------------------------------------------------------- Appends
+    // a lane of width 0 at the right end (its right border copies the last border; an empty profile first
+    // gets a border at (0, 0)). Returns the new lane.
     Lane* AddLane();
     // A lane of width 0 before lane `index`, with a new border after border `index` at its position; an
     // empty profile or an index at or beyond the count appends (AddLane). Returns the new lane.
@@ -360,15 +368,16 @@ public:
     Lane* GetLaneByName(const char* name) const;
     Lane* GetFirstLane() const { return m_lanes.empty() ? nullptr : m_lanes.front(); }
     Lane* GetLastLane() const { return m_lanes.empty() ? nullptr : m_lanes.back(); }
-    // The first lane, from the left, whose right border's horizontal distance is >= d; the last lane when d is
-    // beyond every border; null for a profile without lanes. A border belongs to the lane on its left. No
+    // The first lane, from the left, whose right border's horizontal distance is >= d; the last lane when d
+    // is beyond every border; null for a profile without lanes. A border belongs to the lane on its left. No
     // allocation.
     Lane* GetLaneWithDistance(double d) const;
     std::string GetUniqueLaneName(const std::string& requested) const;
     // False when the lane index is out of range.
     bool SetCirculationWay(size_t lane, ECirculationWay way);
 
-    // --- Borders --------------------------------------------------------------------------------------------
+    // --- Borders
+    // --------------------------------------------------------------------------------------------
     LaneBorder* GetLaneBorder(size_t index) const {
         return index < m_borders.size() ? m_borders[index] : nullptr;
     }
@@ -396,18 +405,19 @@ public:
     // Stores the type and its text ("unknown" outside the table).
     void SetRoadType(ERoadType type);
 
-    // --- Whole profile --------------------------------------------------------------------------------------
-    // Mirrors the profile across the axis: every horizontal distance and marking offset is negated, the lateral
+    // --- Whole profile
+    // -------------------------------------------------------------------------------------- Mirrors the
+    // profile across the axis: every horizontal distance and marking offset is negated, the lateral
     // coordinate of every decoration shape too, and the lists are reversed, so lanes still run left to right.
     // The ways "direct" and "inverse" swap unless keepCirculationWay is set (the profile then describes the
     // same road seen from the other end). Inverting twice gives the profile back.
     void Invert(bool keepCirculationWay = false);
-    // True when `other` has the same road type, the same number of lanes and borders, and pairwise equal lanes
-    // (Lane::IsEqual) and borders (LaneBorder::IsEqual, distances within `tolerance` metres). Names are not
-    // compared. False for null.
+    // True when `other` has the same road type, the same number of lanes and borders, and pairwise equal
+    // lanes (Lane::IsEqual) and borders (LaneBorder::IsEqual, distances within `tolerance` metres). Names are
+    // not compared. False for null.
     bool IsEqual(const Profile* other, double tolerance = kEqualTolerance) const;
-    // A deep copy (same name, lanes, borders and resolved pointers), without a sub-network (count 0; the caller
-    // owns it).
+    // A deep copy (same name, lanes, borders and resolved pointers), without a sub-network (count 0; the
+    // caller owns it).
     Profile* Clone() const;
 
     // Problems of the lists: a border count other than lanes + 1, borders whose horizontal distances decrease
@@ -416,9 +426,10 @@ public:
     size_t GetSourceLine() const { return m_line; }
     size_t GetSourceColumn() const { return m_column; }
 
-    // --- References -----------------------------------------------------------------------------------------
-    // Resolves the marking of every border and the ground and material of every lane by name among the
-    // owner's lists (and the materials of decorations); unresolved names leave null pointers.
+    // --- References
+    // ----------------------------------------------------------------------------------------- Resolves the
+    // marking of every border and the ground and material of every lane by name among the owner's lists (and
+    // the materials of decorations); unresolved names leave null pointers.
     void PostLoad(const Ruvex::HashVector<Ruvex::CountedPtr<Ruvex::MarkingElement>>& markings,
                   const Ruvex::HashVector<Ruvex::CountedPtr<Ruvex::GroundElement>>& grounds,
                   const Ruvex::HashVector<Ruvex::CountedPtr<Ruvex::MaterialElement>>& materials);
@@ -431,10 +442,10 @@ public:
     SubNetwork* GetParentSubNetwork() const { return m_subNetwork; }
     void SetParentSubNetwork(SubNetwork* subNetwork) { m_subNetwork = subNetwork; }
 
-    // "Default Profile": two "paved" lanes of 3.5 m on [-3.5, 0] and [0, 3.5] for road vehicles. CreateDefault:
-    // left lane "inverse", right lane "direct", both limited to 50 km/h. MakeDefaultProfile: left lane "direct",
-    // right lane "inverse", no speed limit, and a grey material (0.2) on both lanes. Count 0; the caller owns
-    // the result.
+    // "Default Profile": two "paved" lanes of 3.5 m on [-3.5, 0] and [0, 3.5] for road vehicles.
+    // CreateDefault: left lane "inverse", right lane "direct", both limited to 50 km/h. MakeDefaultProfile:
+    // left lane "direct", right lane "inverse", no speed limit, and a grey material (0.2) on both lanes.
+    // Count 0; the caller owns the result.
     static Profile* CreateDefault();
     static Profile* MakeDefaultProfile();
 

@@ -14,7 +14,12 @@ class SoftGroundPropertiesElement;
 class TerramecanicsGroundElement;
 
 // Surface types, with their texts ("asphalt", "concrete", "grass", "cobblestone").
-enum GroundType : uint32_t { eGroundAsphalt = 0, eGroundConcrete = 1, eGroundGrass = 2, eGroundCobblestone = 3 };
+enum GroundType : uint32_t {
+    eGroundAsphalt = 0,
+    eGroundConcrete = 1,
+    eGroundGrass = 2,
+    eGroundCobblestone = 3
+};
 
 // A named surface (element record). Its type is kept as its text too; a new ground is "asphalt" and hard.
 class Ground : public Ruvex::GroundElement {
@@ -24,8 +29,8 @@ public:
     Ground& operator=(const Ground& other);
     ~Ground() override;
 
-    // Reads the record, then the type from its text; a text outside the table reads as asphalt and is reported
-    // as a warning (the text is kept and saved as read).
+    // Reads the record, then the type from its text; a text outside the table reads as asphalt and is
+    // reported as a warning (the text is kept and saved as read).
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
 
     GroundType GetTypeId() const { return m_type; }

@@ -10,7 +10,12 @@
 namespace Orvia {
 
 // Directions a rule governs, as a set: 1 straight, 2 left, 4 right.
-enum EDirection : uint32_t { eDirectionStraight = 1, eDirectionLeft = 2, eDirectionRight = 4, eDirectionAll = 7 };
+enum EDirection : uint32_t {
+    eDirectionStraight = 1,
+    eDirectionLeft = 2,
+    eDirectionRight = 4,
+    eDirectionAll = 7
+};
 // The set words in the order "straight", "left", "right", joined by ","; "none" for the empty set. Bits
 // above 4 are ignored.
 std::string DirectionToString(uint32_t directions);
@@ -68,8 +73,9 @@ public:
     // Reads the record; category words outside the table add nothing and are reported as warnings.
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
 
-    // --- Categories -----------------------------------------------------------------------------------------
-    // Stores the set (any combination of EVehicleCategory bits) and its text.
+    // --- Categories
+    // ----------------------------------------------------------------------------------------- Stores the
+    // set (any combination of EVehicleCategory bits) and its text.
     void SetVehicleCategories(uint32_t categories);
     uint32_t GetVehicleCategories() const;
     void SetVehicleCategoriesFlag(VehicleCategoriesFlag flag) { SetVehicleCategories(flag.bits); }
@@ -81,8 +87,9 @@ public:
     bool IsAllowed(uint32_t categories) const { return (GetVehicleCategories() & categories) != 0; }
     bool IsForbidden(uint32_t categories) const { return !IsAllowed(categories); }
 
-    // --- Limits ---------------------------------------------------------------------------------------------
-    // False when the limit or the value is gNoLimit; otherwise true when value > limit (a value at the limit
+    // --- Limits
+    // --------------------------------------------------------------------------------------------- False
+    // when the limit or the value is gNoLimit; otherwise true when value > limit (a value at the limit
     // passes).
     bool IsTooHigh(double height) const { return Exceeds(height, m_HeightLimit); }
     bool IsTooWide(double width) const { return Exceeds(width, m_WidthLimit); }
@@ -100,13 +107,14 @@ public:
     // Takes other's categories and limits; nothing for null.
     void CopyFrom(const VehicleAuthorisation* other);
 
-    // --- Texts ----------------------------------------------------------------------------------------------
-    // The text of one category; null for 0, for a combination and for bits beyond the table.
+    // --- Texts
+    // ---------------------------------------------------------------------------------------------- The text
+    // of one category; null for 0, for a combination and for bits beyond the table.
     static const char* ToString(uint32_t category);
     // The texts of the set bits in table order joined by ","; "none" when no bit is set.
     static std::string VehicleCategoriesToString(uint32_t categories);
-    // The inverse: the text split at ",", each part compared exactly with the table's texts; unknown parts add
-    // nothing. 0 for null.
+    // The inverse: the text split at ",", each part compared exactly with the table's texts; unknown parts
+    // add nothing. 0 for null.
     static uint32_t StringToVehicleCategories(const char* text);
     // One category from its exact text; eNone for any other text.
     static EVehicleCategory VehicleCategoryFromString(const char* text);
