@@ -26,7 +26,11 @@ std::string Slurp(const std::filesystem::path& path) {
 }
 
 CommandRun Profiles(const std::string& arguments) {
-    const std::filesystem::path dir = std::filesystem::temp_directory_path() / "orvia_profiles_cli_test";
+    // One folder per test: ctest runs the tests side by side.
+    const std::filesystem::path dir =
+        std::filesystem::temp_directory_path() /
+        ("orvia_profiles_cli_" +
+         std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     std::filesystem::create_directories(dir);
     const std::string command = std::string("'") + ORVIA_CLI + "' profiles " + arguments + " >'" +
                                 (dir / "out").string() + "' 2>'" + (dir / "err").string() + "'";
@@ -63,7 +67,7 @@ TEST(ProfilesCommand, ReportsBrokenProfilesWithTheirPlaces) {
     const std::filesystem::path file = std::filesystem::temp_directory_path() / "orvia_profiles_bad.xml";
     std::ofstream(file) << R"(<Ruvex version="2.5" versionRevision="0"><Network name="N"><SubNetworks>
 <SubNetwork name="S"><Profiles><Profile name="P">
-<Lane name="A" laneType="bus"/><Lane name="B"/>
+<Lane name="A&#x9b;2J" laneType="bus"/><Lane name="B"/>
 <LaneBorder horizDistToAxis="2"/>
 <LaneBorder horizDistToAxis="-1"/>
 </Profile></Profiles></SubNetwork></SubNetworks></Network></Ruvex>)";
@@ -72,6 +76,8 @@ TEST(ProfilesCommand, ReportsBrokenProfilesWithTheirPlaces) {
     EXPECT_NE(run.out.find("1 B: type paved, way direct, left -1, right -, markings - | -"),
               std::string::npos)
         << run.out;
+    EXPECT_NE(run.out.find("0 A\\x9B2J: type"), std::string::npos) << run.out;
+    EXPECT_EQ(run.out.find("\xc2\x9b"), std::string::npos);
     const std::string prefix = file.string() + ":";
     EXPECT_NE(run.err.find(prefix + "3:2: unknown lane type \"bus\""), std::string::npos) << run.err;
     EXPECT_NE(run.err.find(prefix + "2:33: profile \"P\" has 2 lanes and 2 borders (expected 3)"),

@@ -64,6 +64,9 @@ int LoadNetwork(const std::string& file, Ruvex::CountedPtr<Orvia::Network>& netw
 // that names from a file cannot drive the terminal.
 std::string Printable(const std::string& text);
 
+// `text` as a JSON string, quotes included; controls (C1 too) escaped for the same reason.
+std::string JsonQuoted(const std::string& text);
+
 // Prints the element layer's first error (or `fallback` about `file` when it recorded none) and returns 1.
 int Fail(const std::string& file, const std::string& fallback);
 

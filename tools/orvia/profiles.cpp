@@ -24,23 +24,6 @@ std::string Number(double value) {
     return error == std::errc() ? std::string(buffer, end) : std::string("0");
 }
 
-std::string Json(const std::string& text) {
-    std::string out = "\"";
-    for (unsigned char c : text) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += static_cast<char>(c);
-        } else if (c < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-            out += escaped;
-        } else {
-            out += static_cast<char>(c);
-        }
-    }
-    return out + "\"";
-}
-
 std::string MarkingOf(const Orvia::LaneBorder* border) {
     return border ? border->GetMarkingName() : std::string();
 }
@@ -60,21 +43,21 @@ void PrintText(const std::vector<Group>& groups) {
         if (group.name.empty())
             std::printf("profile library\n");
         else
-            std::printf("sub-network %s\n", group.name.c_str());
+            std::printf("sub-network %s\n", Printable(group.name).c_str());
         for (const Orvia::Profile* profile : group.profiles) {
-            std::printf("  profile %s (road type %s, %zu lanes, %zu borders)\n", profile->GetName().c_str(),
-                        profile->GetRoadTypeText().c_str(), profile->GetLaneCount(),
-                        profile->GetLaneBorderCount());
+            std::printf("  profile %s (road type %s, %zu lanes, %zu borders)\n",
+                        Printable(profile->GetName()).c_str(), Printable(profile->GetRoadTypeText()).c_str(),
+                        profile->GetLaneCount(), profile->GetLaneBorderCount());
             for (size_t i = 0; i < profile->GetLaneCount(); ++i) {
                 const Orvia::Lane* lane = profile->GetLane(i);
                 if (!lane) continue;
                 const Orvia::LaneBorder* left = lane->GetLeftKey();
                 const Orvia::LaneBorder* right = lane->GetRightKey();
                 std::printf("    %zu %s: type %s, way %s, left %s, right %s, markings %s | %s\n", i,
-                            lane->GetName().c_str(), lane->GetLaneTypeText().c_str(),
-                            lane->GetCirculationWayText().c_str(), Distance(left, false).c_str(),
-                            Distance(right, false).c_str(), Text(MarkingOf(left)).c_str(),
-                            Text(MarkingOf(right)).c_str());
+                            Printable(lane->GetName()).c_str(), Printable(lane->GetLaneTypeText()).c_str(),
+                            Printable(lane->GetCirculationWayText()).c_str(), Distance(left, false).c_str(),
+                            Distance(right, false).c_str(), Printable(Text(MarkingOf(left))).c_str(),
+                            Printable(Text(MarkingOf(right))).c_str());
             }
         }
     }
@@ -82,13 +65,14 @@ void PrintText(const std::vector<Group>& groups) {
 
 void PrintJson(const std::string& file, const std::vector<Group>& groups,
                const std::vector<Ruvex::Problem>& problems) {
-    std::string out = "{\"file\": " + Json(file) + ", \"subNetworks\": [";
+    std::string out = "{\"file\": " + JsonQuoted(file) + ", \"subNetworks\": [";
     for (size_t g = 0; g < groups.size(); ++g) {
-        out += (g ? ", " : "") + std::string("{\"name\": ") + Json(groups[g].name) + ", \"profiles\": [";
+        out +=
+            (g ? ", " : "") + std::string("{\"name\": ") + JsonQuoted(groups[g].name) + ", \"profiles\": [";
         for (size_t p = 0; p < groups[g].profiles.size(); ++p) {
             const Orvia::Profile* profile = groups[g].profiles[p];
-            out += (p ? ", " : "") + std::string("{\"name\": ") + Json(profile->GetName()) +
-                   ", \"roadType\": " + Json(profile->GetRoadTypeText()) +
+            out += (p ? ", " : "") + std::string("{\"name\": ") + JsonQuoted(profile->GetName()) +
+                   ", \"roadType\": " + JsonQuoted(profile->GetRoadTypeText()) +
                    ", \"borders\": " + std::to_string(profile->GetLaneBorderCount()) + ", \"lanes\": [";
             bool first = true;
             for (size_t i = 0; i < profile->GetLaneCount(); ++i) {
@@ -96,12 +80,12 @@ void PrintJson(const std::string& file, const std::vector<Group>& groups,
                 if (!lane) continue;
                 const Orvia::LaneBorder* left = lane->GetLeftKey();
                 const Orvia::LaneBorder* right = lane->GetRightKey();
-                out += (first ? "" : ", ") + std::string("{\"name\": ") + Json(lane->GetName()) +
-                       ", \"type\": " + Json(lane->GetLaneTypeText()) +
-                       ", \"way\": " + Json(lane->GetCirculationWayText()) +
+                out += (first ? "" : ", ") + std::string("{\"name\": ") + JsonQuoted(lane->GetName()) +
+                       ", \"type\": " + JsonQuoted(lane->GetLaneTypeText()) +
+                       ", \"way\": " + JsonQuoted(lane->GetCirculationWayText()) +
                        ", \"left\": " + Distance(left, true) + ", \"right\": " + Distance(right, true) +
-                       ", \"leftMarking\": " + Json(MarkingOf(left)) +
-                       ", \"rightMarking\": " + Json(MarkingOf(right)) + "}";
+                       ", \"leftMarking\": " + JsonQuoted(MarkingOf(left)) +
+                       ", \"rightMarking\": " + JsonQuoted(MarkingOf(right)) + "}";
                 first = false;
             }
             out += "]}";
@@ -112,7 +96,7 @@ void PrintJson(const std::string& file, const std::vector<Group>& groups,
     for (size_t i = 0; i < problems.size(); ++i)
         out += (i ? ", " : "") + std::string("{\"line\": ") + std::to_string(problems[i].line) +
                ", \"column\": " + std::to_string(problems[i].column) +
-               ", \"message\": " + Json(problems[i].message) + "}";
+               ", \"message\": " + JsonQuoted(problems[i].message) + "}";
     std::printf("%s]}\n", out.c_str());
 }
 
@@ -159,7 +143,7 @@ int RunProfiles(const ProfilesOptions& options) {
     for (Ruvex::Problem& problem : problems) {
         problem.file = options.file;
         problem.warning = false;  // a problem of the description, not of this run
-        std::fprintf(stderr, "%s\n", Ruvex::ToString(problem).c_str());
+        std::fprintf(stderr, "%s\n", Printable(Ruvex::ToString(problem)).c_str());
     }
     return problems.empty() ? 0 : 1;
 }

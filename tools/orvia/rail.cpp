@@ -19,33 +19,12 @@ std::string Number(double value) {
     return error == std::errc() ? std::string(buffer, end) : std::string("0");
 }
 
-// A JSON string body that is also safe on a terminal: C0 and C1 controls become \u00XX.
-std::string JsonEscaped(const std::string& text) {
-    std::string out;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        const bool c1 = c == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) >= 0x80 &&
-                        static_cast<unsigned char>(text[i + 1]) <= 0x9F;
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += static_cast<char>(c);
-        } else if (c < 0x20 || c == 0x7f || c1) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", c1 ? static_cast<unsigned char>(text[++i]) : c);
-            out += escaped;
-        } else {
-            out += static_cast<char>(c);
-        }
-    }
-    return out;
-}
-
 std::string Escaped(const std::string& text) {
     return Printable(text);
 }
 
 std::string Quoted(const std::string& text) {
-    return "\"" + JsonEscaped(text) + "\"";
+    return JsonQuoted(text);
 }
 
 struct Track {
