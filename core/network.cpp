@@ -17,7 +17,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
-#include <unordered_set>
 
 namespace Orvia {
 
@@ -255,39 +254,13 @@ std::string Network::GetUniqueJunctionName(const std::string& requested) const {
     return GetUniqueName(requested, m_SubNetworkJunctions);
 }
 
-bool Network::MakeUniquePass(bool subNetworks) {
-    const std::string& defaultName = subNetworks ? kDefaultSubNetworkName : kDefaultJunctionName;
-    const size_t count = subNetworks ? m_SubNetworks.size() : m_SubNetworkJunctions.size();
-    std::unordered_set<std::string> seen;
-    bool renamed = false;
-    for (size_t i = 0; i < count; ++i) {
-        Ruvex::NamedElement* item = subNetworks ? static_cast<Ruvex::NamedElement*>(m_SubNetworks[i].Get())
-                                                : m_SubNetworkJunctions[i].Get();
-        if (!item) continue;
-        auto unique = [&](const std::string& requested) {
-            return subNetworks ? GetUniqueSubNetworkName(requested) : GetUniqueJunctionName(requested);
-        };
-        if (item->GetName().empty()) {
-            // The default name is not remembered: a later member may bear it too.
-            item->SetName(unique(defaultName));
-            renamed = true;
-        } else if (!seen.insert(item->GetName()).second) {
-            std::string fresh = unique(item->GetName());
-            item->SetName(fresh);
-            seen.insert(std::move(fresh));
-            renamed = true;
-        }
-    }
-    return renamed;
-}
-
 void Network::MakeNamesUnique() {
-    MakeUniquePass(true);
+    NameBlankAndRepeated(m_SubNetworks, kDefaultSubNetworkName);
     for (size_t i = 0; i < m_SubNetworks.size(); ++i)
         if (SubNetwork* subNetwork = GetSubNetwork(i)) subNetwork->MakeNamesUnique();
     // As many passes as there are junctions; a pass that renames nothing leaves the next ones nothing to do.
     for (size_t pass = 0, passes = m_SubNetworkJunctions.size(); pass < passes; ++pass)
-        if (!MakeUniquePass(false)) break;
+        if (!NameBlankAndRepeated(m_SubNetworkJunctions, kDefaultJunctionName)) break;
 }
 
 // ---- Sub-networks

@@ -21,23 +21,15 @@ void AdoptExternal(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot) {
     slot = adopted.Get();
 }
 
-template <class List>
-void MakeListUnique(List& list) {
-    for (size_t i = 0; i < list.size(); ++i) {
-        auto* item = list[i].Get();
-        if (!item || item->GetName().empty()) continue;
-        // The first member bearing a name keeps it; the name index answers without building a set of names.
-        if (list.find(item->GetName()) == i) continue;
-        item->SetName(GetUniqueName(item->GetName(), list));
-    }
-}
-
 // Renames each member of `incoming` whose name is taken in `list`, then appends it there.
 template <class List>
 void AppendRenamed(List& list, List& incoming) {
+    if (incoming.empty()) return;
+    UniqueNames names(list);
     for (const auto& item : incoming) {
         if (!item) continue;
-        if (list.contains(item->GetName())) item->SetName(GetUniqueName(item->GetName(), list));
+        if (names.Contains(item->GetName())) item->SetName(names.GetUnique(item->GetName()));
+        names.Add(item->GetName());
         list.push_back(item);
     }
     incoming.clear();
@@ -160,19 +152,19 @@ bool SubNetwork::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMPars
 // ---- Whole object
 
 void SubNetwork::MakeNamesUnique() {
-    MakeListUnique(m_Tracks);
-    MakeListUnique(m_JunctionTracks);
-    MakeListUnique(m_Intersections);
-    MakeListUnique(m_Profiles);
-    MakeListUnique(m_Markings);
-    MakeListUnique(m_Materials);
-    MakeListUnique(m_Grounds);
-    MakeListUnique(m_TrafficLightGroups);
-    MakeListUnique(m_TrajectoryParts);
-    MakeListUnique(m_Trajectories);
-    MakeListUnique(m_ParkingSpots);
-    MakeListUnique(m_Zones);
-    MakeListUnique(m_EntitiesGenerations);
+    MakeRepeatedNamesUnique(m_Tracks);
+    MakeRepeatedNamesUnique(m_JunctionTracks);
+    MakeRepeatedNamesUnique(m_Intersections);
+    MakeRepeatedNamesUnique(m_Profiles);
+    MakeRepeatedNamesUnique(m_Markings);
+    MakeRepeatedNamesUnique(m_Materials);
+    MakeRepeatedNamesUnique(m_Grounds);
+    MakeRepeatedNamesUnique(m_TrafficLightGroups);
+    MakeRepeatedNamesUnique(m_TrajectoryParts);
+    MakeRepeatedNamesUnique(m_Trajectories);
+    MakeRepeatedNamesUnique(m_ParkingSpots);
+    MakeRepeatedNamesUnique(m_Zones);
+    MakeRepeatedNamesUnique(m_EntitiesGenerations);
 }
 
 void SubNetwork::MergeWith(SubNetwork* other) {

@@ -193,8 +193,6 @@ protected:
 private:
     static Network* Finish(Ruvex::Element* root, const char* fileName,
                            const std::vector<std::string>& searchPaths);
-    // One pass over the sub-networks or the junctions; true when it renamed something.
-    bool MakeUniquePass(bool subNetworks);
 
     std::map<size_t, Ruvex::CountedPtr<BackGroundImage>> m_backgroundImages;
     std::string m_fileName;
