@@ -757,24 +757,31 @@ inline bool GenerateDistrictNetwork(const std::string& path, const std::string& 
     return static_cast<bool>(out.flush());
 }
 
+// A document of one network named `name` holding `content`.
+inline std::string NetworkText(const std::string& name, const std::string& content) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Ruvex version=\"2.5\" "
+           "versionRevision=\"0\"><Network name=\"" +
+           name + "\">" + content + "</Network></Ruvex>\n";
+}
+
+inline std::string Repeated(const std::string& text, size_t count) {
+    std::string repeated;
+    repeated.reserve(text.size() * count);
+    for (size_t i = 0; i < count; ++i)
+        repeated += text;
+    return repeated;
+}
+
 // A network of `count` sub-networks without a name.
 inline std::string UnnamedSubNetworksText(size_t count) {
-    std::string text =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Ruvex version=\"2.5\" versionRevision=\"0\">"
-        "<Network name=\"Unnamed\"><SubNetworks>";
-    for (size_t i = 0; i < count; ++i)
-        text += "<SubNetwork/>";
-    return text + "</SubNetworks></Network></Ruvex>\n";
+    return NetworkText("Unnamed", "<SubNetworks>" + Repeated("<SubNetwork/>", count) + "</SubNetworks>");
 }
 
 // A network of one sub-network holding `count` tracks all named "T".
 inline std::string SameNameTracksText(size_t count) {
-    std::string text =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Ruvex version=\"2.5\" versionRevision=\"0\">"
-        "<Network name=\"Same\"><SubNetworks><SubNetwork name=\"S\"><Tracks>";
-    for (size_t i = 0; i < count; ++i)
-        text += "<Track name=\"T\"/>";
-    return text + "</Tracks></SubNetwork></SubNetworks></Network></Ruvex>\n";
+    return NetworkText("Same", "<SubNetworks><SubNetwork name=\"S\"><Tracks>" +
+                                   Repeated("<Track name=\"T\"/>", count) +
+                                   "</Tracks></SubNetwork></SubNetworks>");
 }
 
 }  // namespace OrviaBench

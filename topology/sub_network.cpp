@@ -11,16 +11,6 @@ namespace Orvia {
 
 namespace {
 
-// Files of a tag that the factory leaves to the element layer arrive as plain records: give them the runtime
-// class, keeping everything they hold.
-void AdoptExternal(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot) {
-    if (!slot || dynamic_cast<ExternalElement*>(slot.Get())) return;
-    Ruvex::CountedPtr<ExternalElement> adopted(new ExternalElement(slot->GetTagName(), slot->GetFilePath()));
-    adopted->SetFlipped(slot->GetFlipped());
-    static_cast<Ruvex::Element&>(*adopted) = *slot;
-    slot = adopted.Get();
-}
-
 // Renames each member of `incoming` whose name is taken in `list`, then appends it there.
 template <class List>
 void AppendRenamed(List& list, List& incoming) {
@@ -142,10 +132,10 @@ ExternalElement* SubNetwork::GetPhysicalSurface() const {
 
 bool SubNetwork::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!SubNetworkElement::LoadFromXMLElement(element, parser)) return false;
-    AdoptExternal(m_ProxyFileElement);
-    AdoptExternal(m_TerrainElement);
-    AdoptExternal(m_RollingSurfaceElement);
-    AdoptExternal(m_PhysicalSurfaceElement);
+    ExternalElement::Adopt(m_ProxyFileElement);
+    ExternalElement::Adopt(m_TerrainElement);
+    ExternalElement::Adopt(m_RollingSurfaceElement);
+    ExternalElement::Adopt(m_PhysicalSurfaceElement);
     return true;
 }
 

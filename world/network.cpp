@@ -12,11 +12,11 @@
 #include <orvia/topology/road.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
+#include <orvia/vek/math.h>
 #include <orvia/vek/path.h>
 
 #include <cmath>
 #include <cstdlib>
-#include <numbers>
 
 namespace Orvia {
 
@@ -34,18 +34,6 @@ const std::string kDefaultSubNetworkName = "Sub Network";
 const std::string kDefaultJunctionName = "SubNetworkJunction";
 const std::string kDefaultRoadName = "Road";
 const std::string kBufferName = "buffer";
-
-constexpr double kTwoPi = 2.0 * std::numbers::pi;
-
-// Files of a tag that the factory leaves to the element layer arrive as plain records: give them the runtime
-// class, keeping everything they hold.
-void AdoptExternal(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot) {
-    if (!slot || dynamic_cast<ExternalElement*>(slot.Get())) return;
-    Ruvex::CountedPtr<ExternalElement> adopted(new ExternalElement(slot->GetTagName(), slot->GetFilePath()));
-    adopted->SetFlipped(slot->GetFlipped());
-    static_cast<Ruvex::Element&>(*adopted) = *slot;
-    slot = adopted.Get();
-}
 
 void SetFile(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot, const std::string& tag,
              const std::string& path) {
@@ -171,9 +159,9 @@ bool Network::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser*
                             ? QorOldData::DataConverter::LoadNetwork_v_2_2_2(this, element, parser)
                             : NetworkElement::LoadFromXMLElement(element, parser);
     if (!loaded) return false;
-    AdoptExternal(m_GlobalTerrainElement);
-    AdoptExternal(m_RollingSurfaceElement);
-    AdoptExternal(m_PhysicalSurfaceElement);
+    ExternalElement::Adopt(m_GlobalTerrainElement);
+    ExternalElement::Adopt(m_RollingSurfaceElement);
+    ExternalElement::Adopt(m_PhysicalSurfaceElement);
     return true;
 }
 
@@ -514,8 +502,8 @@ void Network::SymmetrizeRespectYAxis() {
         subNetwork->SymmetrizeRespectYAxis();
         vek::Vector3 position = subNetwork->GetPosition();
         position.x = -position.x;
-        double heading = kTwoPi - subNetwork->GetHeading();
-        heading -= kTwoPi * std::floor(heading / kTwoPi);
+        double heading = vek::kTwoPi - subNetwork->GetHeading();
+        heading -= vek::kTwoPi * std::floor(heading / vek::kTwoPi);
         subNetwork->SetPositionAndHeading(position, heading);
         if (ExternalElement* proxy = subNetwork->GetProxyFile()) proxy->SetFlipped(!proxy->GetFlipped());
     }
