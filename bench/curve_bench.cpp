@@ -24,6 +24,7 @@
 #include <orvia/ruvex/counted.h>
 #include <orvia/vek/mark.h>
 
+#include "geometry/axis_test_support.h"
 #include "sin_cos_floor.h"
 
 namespace {
@@ -45,10 +46,9 @@ std::vector<vek::Vector2> BentPolygon(std::mt19937& rng) {
 
 // 1,000 tangent-continuous pieces of 8 to 40 m, |curvature| <= 0.02 /m, clothoids within the Cornu series'
 // accurate range.
-Ruvex::CountedPtr<Orvia::Curve2D> MixedCurve(bool withPolygonPieces) {
+void FillMixedCurve(Orvia::Curve2D& curve, bool withPolygonPieces) {
     std::mt19937 rng(1234);
     std::uniform_real_distribution<double> length(8, 40), curvature(-0.02, 0.02), unit(0, 1);
-    Ruvex::CountedPtr<Orvia::Curve2D> curve(new Orvia::Curve2D);
     for (int i = 0; i < kPieces; ++i) {
         const double r = unit(rng);
         if (withPolygonPieces && r < 0.1) {
@@ -56,16 +56,16 @@ Ruvex::CountedPtr<Orvia::Curve2D> MixedCurve(bool withPolygonPieces) {
                 auto* spline = new ClothoidSpline;
                 spline->SetOriginConstraints(true, true);
                 spline->SetControlPoints(BentPolygon(rng));
-                curve->AddFunction(spline);
+                curve.AddFunction(spline);
             } else {
                 auto* polyline = new PolyLine(PolyLine::EType::ClampedSpline, true);
                 polyline->SetControlPoints(BentPolygon(rng));
-                curve->AddFunction(polyline);
+                curve.AddFunction(polyline);
             }
         } else if (r < 0.4) {
-            curve->AddFunction(new Segment(length(rng)));
+            curve.AddFunction(new Segment(length(rng)));
         } else if (r < 0.65) {
-            curve->AddFunction(new CircleArc(length(rng), curvature(rng)));
+            curve.AddFunction(new CircleArc(length(rng), curvature(rng)));
         } else {
             double l = 0, k0 = 0, k1 = 0;
             do {
@@ -75,50 +75,34 @@ Ruvex::CountedPtr<Orvia::Curve2D> MixedCurve(bool withPolygonPieces) {
             } while (!(std::fabs(k1 - k0) > 0 &&
                        0.5 * std::max(std::fabs(k0), std::fabs(k1)) * std::sqrt(2 * l / std::fabs(k1 - k0)) <=
                            2.5));
-            curve->AddFunction(new ClothoArc(l, k0, k1));
+            curve.AddFunction(new ClothoArc(l, k0, k1));
         }
     }
-    curve->SetOrigin({5000, -3000}, 0.4);
-    curve->UpdateFunctionsFromStart();
+    curve.SetOrigin({5000, -3000}, 0.4);
+    curve.UpdateFunctionsFromStart();
+}
+
+Ruvex::CountedPtr<Orvia::Curve2D> MixedCurve(bool withPolygonPieces) {
+    Ruvex::CountedPtr<Orvia::Curve2D> curve(new Orvia::Curve2D);
+    FillMixedCurve(*curve, withPolygonPieces);
     return curve;
 }
 
-// An axis over the mixed curve with a rolling elevation profile and a banking profile.
-class BenchAxis : public Orvia::Axis {
+// An axis over the mixed curve with a rolling elevation profile and a banking profile: the tests' axis.
+class BenchAxis : public axis_test::TestAxis {
 public:
-    BenchAxis()
-        : m_xy(MixedCurve(false)),
-          m_sz(new Orvia::CartesianCurve("SZCurve")),
-          m_banking(new Orvia::CartesianCurve("BankingCurve")) {
-        const double length = m_xy->GetLength();
+    BenchAxis() {
+        FillMixedCurve(*GetXYCurve(), false);
+        const double length = GetXYCurve()->GetLength();
         std::vector<Orvia::PtInCurve> elevation, banking;
         for (int i = 0; i <= 100; ++i)
             elevation.push_back({{length * i / 100, 100 + 8 * std::sin(i * 0.7)}, 0.03 * std::cos(i * 0.7)});
         for (int i = 0; i <= 50; ++i)
             banking.push_back({{length * i / 50, 0.04 * std::sin(i * 1.3)}, 0});
-        m_sz->MakeFrom(elevation);
-        m_banking->MakeFrom(banking);
+        GetSZCurve()->MakeFrom(elevation);
+        GetBankingCurve()->MakeFrom(banking);
         Validate();
     }
-    Orvia::Curve2D* GetXYCurve() const override { return m_xy.Get(); }
-    Orvia::CartesianCurve* GetSZCurve() const override { return m_sz.Get(); }
-    Orvia::CartesianCurve* GetBankingCurve() const override { return m_banking.Get(); }
-    void UpdateCacheData() override {
-        SetCachedXYLength(m_xy->GetLength());
-        SetCachedTotalLength(m_xy->GetLength());
-    }
-    bool Validate() override {
-        UpdateCacheData();
-        SetAxisValid(true);
-        SetXYLengthValid(true);
-        return true;
-    }
-    void InvertAxis() override { InvertCurves(); }
-
-private:
-    Ruvex::CountedPtr<Orvia::Curve2D> m_xy;
-    Ruvex::CountedPtr<Orvia::CartesianCurve> m_sz;
-    Ruvex::CountedPtr<Orvia::CartesianCurve> m_banking;
 };
 
 void BM_Floor_SinCos(benchmark::State& state) {

@@ -18,13 +18,18 @@
 #include <orvia/ruvex/elements/traffic.h>
 #include <orvia/ruvex/factory.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace OrviaBench {
@@ -623,6 +628,160 @@ inline const std::string& BenchCityPath() {
         return p;
     }();
     return path;
+}
+
+// ---------------------------------------------------------------------------------------------------------------
+// A city edited district by district: the sub-networks of a small example network (each with its own
+// materials, grounds, markings, profiles, intersections and tracks), its junctions and its roads, repeated
+// under new names
+// ("D<k> " before every sub-network, junction and road name, and before the sub-network names that exits and
+// road pieces give) until the file reaches a size. Everything else of the example (geolocalisation, files,
+// background images) appears once.
+
+struct DistrictStats {
+    size_t districts = 0;
+    size_t subNetworks = 0;
+    size_t elements = 0;  // start tags, the root's included
+    size_t bytes = 0;
+};
+
+namespace detail {
+
+// The text between the end of `open` and the start of `close` in `text` (`begin`/`end` receive the bounds),
+// or false when either is missing.
+inline bool Inner(const std::string& text, const std::string& open, const std::string& close, size_t& begin,
+                  size_t& end) {
+    const size_t o = text.find(open);
+    if (o == std::string::npos) return false;
+    begin = o + open.size();
+    end = text.find(close, begin);
+    return end != std::string::npos;
+}
+
+// The values of attribute `attribute` of every start tag `tag` in `text`.
+inline std::vector<std::string> TagNames(const std::string& text, const std::string& tag,
+                                         const std::string& attribute) {
+    std::vector<std::string> names;
+    const std::string key = "<" + tag + " " + attribute + "=\"";
+    for (size_t at = text.find(key); at != std::string::npos; at = text.find(key, at + 1)) {
+        const size_t first = at + key.size();
+        names.push_back(text.substr(first, text.find('"', first) - first));
+    }
+    return names;
+}
+
+inline void ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
+    std::string out;
+    out.reserve(text.size() + text.size() / 8);
+    size_t done = 0;
+    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + from.size())) {
+        out.append(text, done, at - done).append(to);
+        done = at + from.size();
+    }
+    out.append(text, done, std::string::npos);
+    text.swap(out);
+}
+
+inline size_t StartTags(const std::string& text) {
+    size_t count = 0;
+    for (size_t i = 0; i + 1 < text.size(); ++i)
+        count += text[i] == '<' && (std::isalpha(static_cast<unsigned char>(text[i + 1])) != 0);
+    return count;
+}
+
+}  // namespace detail
+
+// Writes the district city made from the network file `examplePath` at `path`; false when the example lacks
+// sub-networks or a file cannot be read or written.
+inline bool GenerateDistrictNetwork(const std::string& path, const std::string& examplePath,
+                                    size_t minimumBytes, DistrictStats* stats = nullptr) {
+    std::ifstream in(examplePath, std::ios::binary);
+    const std::string example((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    size_t subBegin = 0, subEnd = 0, junctionBegin = 0, junctionEnd = 0, roadBegin = 0, roadEnd = 0;
+    if (!detail::Inner(example, "<SubNetworks>", "</SubNetworks>", subBegin, subEnd)) return false;
+    const bool junctions =
+        detail::Inner(example, "<SubNetworkJunctions>", "</SubNetworkJunctions>", junctionBegin, junctionEnd);
+    const bool roads = detail::Inner(example, "<Roads>", "</Roads>", roadBegin, roadEnd);
+
+    // One district with a marker where its prefix goes.
+    const std::string marker = "\x01";
+    std::string district = example.substr(subBegin, subEnd - subBegin);
+    std::string districtJunctions =
+        junctions ? example.substr(junctionBegin, junctionEnd - junctionBegin) : "";
+    std::string districtRoads = roads ? example.substr(roadBegin, roadEnd - roadBegin) : "";
+    const std::vector<std::string> subNetworkNames = detail::TagNames(district, "SubNetwork", "name");
+    for (const std::string& name : subNetworkNames) {
+        detail::ReplaceAll(district, "<SubNetwork name=\"" + name + "\"",
+                           "<SubNetwork name=\"" + marker + name + "\"");
+        for (std::string* text : {&districtJunctions, &districtRoads})
+            detail::ReplaceAll(*text, "subNetwork=\"" + name + "\"", "subNetwork=\"" + marker + name + "\"");
+    }
+    for (const std::string& name : detail::TagNames(districtJunctions, "SubNetworkJunction", "name"))
+        detail::ReplaceAll(districtJunctions, "<SubNetworkJunction name=\"" + name + "\"",
+                           "<SubNetworkJunction name=\"" + marker + name + "\"");
+    for (const std::string& name : detail::TagNames(districtRoads, "Road", "name"))
+        detail::ReplaceAll(districtRoads, "<Road name=\"" + name + "\"",
+                           "<Road name=\"" + marker + name + "\"");
+    if (subNetworkNames.empty()) return false;
+
+    const size_t perDistrict = district.size() + districtJunctions.size() + districtRoads.size();
+    const size_t count = std::max<size_t>(1, (minimumBytes + perDistrict - 1) / perDistrict);
+    std::string sub, junction, road;
+    for (size_t k = 0; k < count; ++k) {
+        const std::string prefix = "D" + std::to_string(k) + " ";
+        for (auto [from, to] : {std::pair{&district, &sub}, std::pair{&districtJunctions, &junction},
+                                std::pair{&districtRoads, &road}}) {
+            std::string copy = *from;
+            detail::ReplaceAll(copy, marker, prefix);
+            to->append(copy);
+        }
+    }
+    std::string text = example.substr(0, subBegin) + sub;
+    if (junctions) {
+        text.append(example, subEnd, junctionBegin - subEnd).append(junction);
+        if (roads)
+            text.append(example, junctionEnd, roadBegin - junctionEnd).append(road).append(example, roadEnd);
+        else
+            text.append(example, junctionEnd);
+    } else {
+        text.append(example, subEnd);
+    }
+    if (stats) {
+        stats->districts = count;
+        stats->subNetworks = count * subNetworkNames.size();
+        stats->elements = detail::StartTags(text);
+        stats->bytes = text.size();
+    }
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    return static_cast<bool>(out.flush());
+}
+
+// A document of one network named `name` holding `content`.
+inline std::string NetworkText(const std::string& name, const std::string& content) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Ruvex version=\"2.5\" "
+           "versionRevision=\"0\"><Network name=\"" +
+           name + "\">" + content + "</Network></Ruvex>\n";
+}
+
+inline std::string Repeated(const std::string& text, size_t count) {
+    std::string repeated;
+    repeated.reserve(text.size() * count);
+    for (size_t i = 0; i < count; ++i)
+        repeated += text;
+    return repeated;
+}
+
+// A network of `count` sub-networks without a name.
+inline std::string UnnamedSubNetworksText(size_t count) {
+    return NetworkText("Unnamed", "<SubNetworks>" + Repeated("<SubNetwork/>", count) + "</SubNetworks>");
+}
+
+// A network of one sub-network holding `count` tracks all named "T".
+inline std::string SameNameTracksText(size_t count) {
+    return NetworkText("Same", "<SubNetworks><SubNetwork name=\"S\"><Tracks>" +
+                                   Repeated("<Track name=\"T\"/>", count) +
+                                   "</Tracks></SubNetwork></SubNetworks>");
 }
 
 }  // namespace OrviaBench

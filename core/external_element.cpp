@@ -28,4 +28,12 @@ void ExternalElement::CopyFrom(const ExternalElement* other) {
     SetFlipped(other->GetFlipped());
 }
 
+void ExternalElement::Adopt(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot) {
+    if (!slot || dynamic_cast<ExternalElement*>(slot.Get())) return;
+    Ruvex::CountedPtr<ExternalElement> adopted(new ExternalElement(slot->GetTagName(), slot->GetFilePath()));
+    adopted->SetFlipped(slot->GetFlipped());
+    static_cast<Ruvex::Element&>(*adopted) = *slot;
+    slot = adopted.Get();
+}
+
 }  // namespace Orvia

@@ -56,32 +56,63 @@ struct Geolocalisation::Projection {
     }
 };
 
-Geolocalisation::Geolocalisation() : m_projection(std::make_unique<Projection>()) {
+std::unique_ptr<Geolocalisation::Projection> Geolocalisation::MakeDefaultProjection(bool& lambert) {
+    auto projection = std::make_unique<Projection>();
+    lambert = projection->document.ImportWkt(Gdal::kLambertNordFranceWkt);
+    if (!lambert) projection->document.SetWgs84();
+    projection->wgs84.SetWgs84();
+    projection->Rebuild();
+    return projection;
+}
+
+Geolocalisation::Projection& Geolocalisation::GetProjection() const {
+    bool lambert = false;
+    if (!m_projection) m_projection = MakeDefaultProjection(lambert);
+    return *m_projection;
+}
+
+Geolocalisation::Geolocalisation() {
     GeolocalisationElement::SetLatitude(kDefaultLatitudeDeg);
     GeolocalisationElement::SetLongitude(kDefaultLongitudeDeg);
     GeolocalisationElement::SetElevation(kDefaultElevationM);
     SetScaleFactor(kDefaultScaleFactor);
 
-    Projection& projection = *m_projection;
-    if (projection.document.ImportWkt(Gdal::kLambertNordFranceWkt)) {
-        SetEpsg(Gdal::kLambertNordFranceEpsg);
-    } else {
-        projection.document.SetWgs84();
-        SetEpsg(kWgs84Epsg);
-    }
-    SetWkt(projection.document.ExportWkt());
-    projection.wgs84.SetWgs84();
-    RebuildTransformations();
-    CenterOn(vek::Vector3(GetLatitude(), GetLongitude(), GetElevation()));
+    // Every default geolocalisation holds the same values: worked out once, by a first one that builds its
+    // projection; the others build theirs when first queried.
+    struct Defaults {
+        uint32_t epsg;
+        std::string wkt;
+        vek::Vector3 centering;
+    };
+    static const Defaults defaults = [] {
+        Geolocalisation first(nullptr);
+        bool lambert = false;
+        first.m_projection = MakeDefaultProjection(lambert);
+        first.SetEpsg(lambert ? Gdal::kLambertNordFranceEpsg : kWgs84Epsg);
+        first.SetWkt(first.GetProjection().document.ExportWkt());
+        first.CenterOn(vek::Vector3(first.GetLatitude(), first.GetLongitude(), first.GetElevation()));
+        return Defaults{first.GetEpsg(), first.GetWkt(), first.GetCentering()};
+    }();
+    SetEpsg(defaults.epsg);
+    SetWkt(defaults.wkt);
+    SetCentering(defaults.centering);
+}
+
+Geolocalisation::Geolocalisation(std::nullptr_t) {
+    GeolocalisationElement::SetLatitude(kDefaultLatitudeDeg);
+    GeolocalisationElement::SetLongitude(kDefaultLongitudeDeg);
+    GeolocalisationElement::SetElevation(kDefaultElevationM);
+    SetScaleFactor(kDefaultScaleFactor);
 }
 
 Geolocalisation::Geolocalisation(const Geolocalisation& other)
-    : GeolocalisationElement(other), m_projection(std::make_unique<Projection>(*other.m_projection)) {}
+    : GeolocalisationElement(other),
+      m_projection(other.m_projection ? std::make_unique<Projection>(*other.m_projection) : nullptr) {}
 
 Geolocalisation& Geolocalisation::operator=(const Geolocalisation& other) {
     if (this != &other) {
         GeolocalisationElement::operator=(other);
-        *m_projection = *other.m_projection;
+        m_projection = other.m_projection ? std::make_unique<Projection>(*other.m_projection) : nullptr;
     }
     return *this;
 }
@@ -89,7 +120,7 @@ Geolocalisation& Geolocalisation::operator=(const Geolocalisation& other) {
 Geolocalisation::~Geolocalisation() = default;
 
 void Geolocalisation::RebuildTransformations() {
-    m_projection->Rebuild();
+    GetProjection().Rebuild();
 }
 
 bool Geolocalisation::GetOrviaCoord(const vek::Vector3& latLonElevation, vek::Vector3& local) const {
@@ -98,7 +129,7 @@ bool Geolocalisation::GetOrviaCoord(const vek::Vector3& latLonElevation, vek::Ve
     double y = latLonElevation.x;
     double z = latLonElevation.z;
     local = vek::Vector3();
-    const Projection& projection = *m_projection;
+    const Projection& projection = GetProjection();
     if (projection.document.IsEmpty() || projection.wgs84.IsEmpty()) return false;
     if (!projection.fromWgs84.Transform(x, y, z)) return false;
     local = vek::Vector3(x, y, z) - GetCentering();
@@ -111,7 +142,7 @@ bool Geolocalisation::GetWgs84Coord(const vek::Vector3& local, vek::Vector3& lat
     double y = projected.y;
     double z = projected.z;
     latLonElevation = vek::Vector3();
-    const Projection& projection = *m_projection;
+    const Projection& projection = GetProjection();
     if (projection.document.IsEmpty() || projection.wgs84.IsEmpty()) return false;
     if (!projection.toWgs84.Transform(x, y, z)) return false;
     latLonElevation = vek::Vector3(y, x, z);
@@ -170,7 +201,7 @@ bool Geolocalisation::SetTransformationParameters(int epsg) {
         if (!wkt.empty() && reread.ImportWkt(wkt)) {
             SetEpsg(static_cast<uint32_t>(epsg));
             SetWkt(wkt);
-            m_projection->document = std::move(reread);
+            GetProjection().document = std::move(reread);
             RebuildTransformations();
             SetCentering(vek::Vector3());
             changed = true;
@@ -188,9 +219,9 @@ bool Geolocalisation::SetTransformationParameters(const std::string& definition)
     Gdal::SpatialReference candidate;
     if (candidate.ImportWkt(definition)) {
         SetWkt(definition);
-        m_projection->document = std::move(candidate);
+        GetProjection().document = std::move(candidate);
         RebuildTransformations();
-        const Gdal::SpatialReference& document = m_projection->document;
+        const Gdal::SpatialReference& document = GetProjection().document;
         const std::optional<std::string> authority = document.GetAttribute("AUTHORITY", 1);
         SetEpsg(authority ? ParseEpsgCode(*authority)
                           : static_cast<uint32_t>(document.GetGeographicEpsgCode()));
@@ -207,7 +238,10 @@ bool Geolocalisation::SetTransformationParameters(const std::string& definition)
 }
 
 void Geolocalisation::PostLoad(Network* /*network*/) {
-    m_projection->document.ImportWkt(GetWkt());
+    // A fresh projection: what the file says replaces the default without building it first.
+    m_projection = std::make_unique<Projection>();
+    GetProjection().document.ImportWkt(GetWkt());
+    m_projection->wgs84.SetWgs84();
     RebuildTransformations();
     UpdateGeographicPosition(true);
 }
@@ -215,11 +249,11 @@ void Geolocalisation::PostLoad(Network* /*network*/) {
 bool Geolocalisation::IsSame(const std::string& wkt) const {
     if (wkt.empty()) return GetWkt().empty();
     const Gdal::SpatialReference other = Gdal::SpatialReference::FromWkt(wkt);
-    return !other.IsEmpty() && other.IsSame(m_projection->document);
+    return !other.IsEmpty() && other.IsSame(GetProjection().document);
 }
 
 std::string Geolocalisation::GetDocumentProjectionName() const {
-    const Gdal::SpatialReference& document = m_projection->document;
+    const Gdal::SpatialReference& document = GetProjection().document;
     if (document.IsEmpty()) return {};
     return document.GetAttribute(document.IsProjected() ? "PROJCS" : "GEOGCS").value_or("Custom");
 }
@@ -313,7 +347,7 @@ std::string Extent(double minX, double minY, double maxX, double maxY) {
 }  // namespace
 
 bool Geolocalisation::GenerateOSGEarthFile(const char* path, const BackGroundImage* image) const {
-    const Gdal::SpatialReference& document = m_projection->document;
+    const Gdal::SpatialReference& document = GetProjection().document;
     if (path == nullptr || document.IsEmpty()) return false;
     const std::string srs = XmlEscaped(document.ExportWkt());
     if (srs.empty()) return false;

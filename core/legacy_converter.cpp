@@ -2,22 +2,10 @@
 
 namespace QorOldData {
 
-bool DataConverter::LoadClothoArc(Ruvex::ClothoidArcElement* record, Ruvex::IDOMElement* element,
-                                  Ruvex::IDOMParser* parser) {
-    if (!record || !element || !parser) return false;
-    // Qualified: the runtime class overrides this slot and sends old documents here.
-    return record->Ruvex::ClothoidArcElement::LoadFromXMLElement(element, parser);
-}
-
-bool DataConverter::LoadPolyLine(Ruvex::PolyLineElement* record, Ruvex::IDOMElement* element,
-                                 Ruvex::IDOMParser* parser) {
-    if (!record || !element || !parser) return false;
-    return record->Ruvex::PolyLineElement::LoadFromXMLElement(element, parser);
-}
-
 bool DataConverter::LoadNetwork_v_2_2_2(Ruvex::NetworkElement* record, Ruvex::IDOMElement* element,
                                         Ruvex::IDOMParser* parser) {
     if (!record || !element || !parser) return false;
+    // Qualified: the runtime class overrides this slot and sends old documents here.
     return record->Ruvex::NetworkElement::LoadFromXMLElement(element, parser);
 }
 

@@ -5,15 +5,11 @@
 #include <cmath>
 #include <cstddef>
 
-#include <orvia/core/legacy_converter.h>
 #include <orvia/geometry/circle_arc.h>
 #include <orvia/ruvex/dom.h>
 #include <orvia/vek/math.h>
 
 namespace {
-
-// First format version whose clothoid arcs the current reader understands.
-constexpr uint32_t kClothoArcLayoutVersion = Ruvex::MakeVersionID(2, 3, 0);
 
 // Nodes of the heading integration, at most: a longer or sharper clothoid is integrated with wider steps.
 constexpr double kMaxNodes = 1 << 20;
@@ -147,10 +143,8 @@ void ClothoArc::Flip() {
 
 bool ClothoArc::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
-    if (parser->GetVersion() >= kClothoArcLayoutVersion)
-        Ruvex::ClothoidArcElement::LoadFromXMLElement(element, parser);
-    else
-        QorOldData::DataConverter::LoadClothoArc(this, element, parser);
+    // Layouts before 2.3.0 hold the same attributes: the record's table reads them all.
+    Ruvex::ClothoidArcElement::LoadFromXMLElement(element, parser);
     DataChanged();
     return true;
 }

@@ -3,14 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include <orvia/core/legacy_converter.h>
 #include <orvia/ruvex/dom.h>
 #include <orvia/vek/math.h>
 
 namespace {
-
-// First format version whose polylines the current reader understands.
-constexpr uint32_t kPolyLineLayoutVersion = Ruvex::MakeVersionID(2, 3, 0);
 
 // Below this length (m) a smoothing curve is not sampled: the polygon stands for it.
 constexpr double kMinCurveLength = 1e-5;
@@ -345,10 +341,8 @@ void PolyLine::Flip() {
 
 bool PolyLine::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
-    if (parser->GetVersion() >= kPolyLineLayoutVersion)
-        Ruvex::PolyLineElement::LoadFromXMLElement(element, parser);
-    else
-        QorOldData::DataConverter::LoadPolyLine(this, element, parser);
+    // Layouts before 2.3.0 hold the same attributes: the record's table reads them all.
+    Ruvex::PolyLineElement::LoadFromXMLElement(element, parser);
     m_controlPoints = m_Points;
     DataChanged();
     return true;

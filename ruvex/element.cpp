@@ -51,7 +51,8 @@ struct LoadFrame {
     const Element* self;
     uint64_t filled;
 };
-thread_local LoadFrame* t_loadFrame = nullptr;
+// Initial-exec: read on every child, it must not cost a call into the dynamic linker.
+thread_local LoadFrame* t_loadFrame __attribute__((tls_model("initial-exec"))) = nullptr;
 
 // The bit of a single-child slot in the load frame of `self`; 0 for lists, or outside a load of `self`.
 uint64_t SlotBit(const Element& self, const ChildField& field) {
@@ -73,12 +74,15 @@ bool SlotTaken(const Element& self, const ChildField& field) {
 // load, or is not of the list's type: the caller then keeps the child verbatim.
 // With no factory installed, the field knows the data class of its tag (field.tags[tagIndex]): what the base
 // factory would create, without a lookup.
+// With a factory whose creator for the tag is fixed, the creator is asked for once per factory.
 Element* CreateItem(const ChildField& field, size_t tagIndex, std::string_view tag) {
-    if (!GetFactory())
+    Factory* factory = GetFactory();
+    if (!factory)
         return field.creators[tagIndex] ? field.creators[tagIndex]() : new GenericElement(std::string(tag));
+    if (Element * (*create)() = field.factoryCreators->Get(*factory, field.tags, tagIndex)) return create();
     thread_local std::string name;
     name.assign(tag);
-    return CreateElement(name);
+    return factory->Create(name);
 }
 
 // Elements from `child` on among its siblings: room for the list's items that likely follow (0 when the DOM

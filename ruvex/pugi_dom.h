@@ -1,6 +1,6 @@
 #pragma once
 
-// The DOM over pugixml: the only implementation of IDOMElement / IDOMParser.
+// The DOM over pugixml, which loading reads (saving writes through xml_writer.h's DOM).
 
 #include <orvia/ruvex/element.h>
 #include <orvia/ruvex/factory.h>

@@ -13,6 +13,7 @@
 #include <orvia/ruvex/elements/track.h>
 #include <orvia/ruvex/elements/traffic.h>
 #include <orvia/ruvex/schema.h>
+#include <orvia/ruvex/tags.h>
 
 namespace Ruvex {
 
@@ -29,48 +30,6 @@ DataClassInfo Tagged() {
     return DataClassInfo{Tag, &T::StaticSchema, [] { return static_cast<Element*>(new T(Tag)); }};
 }
 
-constexpr char kSZCurve[] = "SZCurve";
-constexpr char kBankingCurve[] = "BankingCurve";
-constexpr char kTrajectoryCurve[] = "TrajectoryCurve";
-constexpr char kSZCurvatureCurve[] = "SZCurvatureCurve";
-constexpr char kExternalElement[] = "ExternalElement";
-constexpr char kExternalSurface[] = "ExternalSurface";
-constexpr char kExternalTerrain[] = "ExternalTerrain";
-constexpr char kExternalPhysicSurface[] = "ExternalPhysicSurface";
-constexpr char kProxyFile[] = "ProxyFile";
-constexpr char kSequence[] = "Sequence";
-constexpr char kSequenceY[] = "SequenceY";
-constexpr char kSequenceZ[] = "SequenceZ";
-constexpr char kTrackClippedData[] = "TrackClippedData";
-constexpr char kClippedData[] = "ClippedData";
-constexpr char kPoint2x2D[] = "Point2x2D";
-constexpr char kScale2x2DPoints[] = "Scale2x2DPoints";
-constexpr char kOffset2x2DPoints[] = "Offset2x2DPoints";
-constexpr char kDiffuse[] = "Diffuse";
-constexpr char kAmbient[] = "Ambient";
-constexpr char kSpecular[] = "Specular";
-constexpr char kEmissive[] = "Emissive";
-constexpr char kBump[] = "Bump";
-constexpr char kOpacity[] = "Opacity";
-constexpr char kReflection[] = "Reflection";
-constexpr char kShininess[] = "Shininess";
-constexpr char kVersion[] = "Version";
-constexpr char kQorVersion[] = "QorVersion";
-constexpr char kOpenEnd[] = "OpenEnd";
-constexpr char kBufferEnd[] = "BufferEnd";
-constexpr char kLinkedEnd[] = "LinkedEnd";
-constexpr char kSwitchEnd[] = "SwitchEnd";
-constexpr char kDoublePropertyValue[] = "DoublePropertyValue";
-constexpr char kEnumPropertyValue[] = "EnumPropertyValue";
-constexpr char kTunnel[] = "Tunnel";
-constexpr char kBridge[] = "Bridge";
-constexpr char kGantry[] = "Gantry";
-constexpr char kPlatform[] = "Platform";
-constexpr char kLevelCrossing[] = "LevelCrossing";
-constexpr char kRoadArea[] = "RoadArea";
-constexpr char kRadioAntena[] = "RadioAntena";
-constexpr char kAreaTelegramCalculator[] = "AreaTelegramCalculator";
-
 }  // namespace
 
 const std::vector<DataClassInfo>& DataClasses() {
@@ -82,15 +41,15 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<ClothoidSplineElement>("ClothoidSpline"),
         Plain<PolynomialFunctionElement>("Polynomial"),
         Plain<XYCurveElement>("XYCurve"),
-        Tagged<CartesianCurveElement, kSZCurve>(),
-        Tagged<CartesianCurveElement, kBankingCurve>(),
-        Tagged<CartesianCurveElement, kTrajectoryCurve>(),
-        Tagged<CartesianCurveElement, kSZCurvatureCurve>(),
-        Tagged<ExternalFileElement, kExternalElement>(),
-        Tagged<ExternalFileElement, kExternalSurface>(),
-        Tagged<ExternalFileElement, kExternalTerrain>(),
-        Tagged<ExternalFileElement, kExternalPhysicSurface>(),
-        Tagged<ExternalFileElement, kProxyFile>(),
+        Tagged<CartesianCurveElement, Tags::kSZCurve>(),
+        Tagged<CartesianCurveElement, Tags::kBankingCurve>(),
+        Tagged<CartesianCurveElement, Tags::kTrajectoryCurve>(),
+        Tagged<CartesianCurveElement, Tags::kSZCurvatureCurve>(),
+        Tagged<ExternalFileElement, Tags::kExternalElement>(),
+        Tagged<ExternalFileElement, Tags::kExternalSurface>(),
+        Tagged<ExternalFileElement, Tags::kExternalTerrain>(),
+        Tagged<ExternalFileElement, Tags::kExternalPhysicSurface>(),
+        Tagged<ExternalFileElement, Tags::kProxyFile>(),
         Plain<GeolocalisationElement>("Geolocalisation"),
         Plain<MaterialElement>("Material"),
         Plain<GeneratedTerrainMaterialElement>("GeneratedTerrainMaterial"),
@@ -115,11 +74,11 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<TrackElement>("Track"),
         Plain<TrackClipElement>("TrackClip"),
         Plain<TrackScopeElement>("TrackScope"),
-        Tagged<SequenceElement, kSequence>(),
-        Tagged<SequenceElement, kSequenceY>(),
-        Tagged<SequenceElement, kSequenceZ>(),
-        Tagged<TrackClippedDataElement, kTrackClippedData>(),
-        Tagged<TrackClippedDataElement, kClippedData>(),
+        Tagged<SequenceElement, Tags::kSequence>(),
+        Tagged<SequenceElement, Tags::kSequenceY>(),
+        Tagged<SequenceElement, Tags::kSequenceZ>(),
+        Tagged<TrackClippedDataElement, Tags::kTrackClippedData>(),
+        Tagged<TrackClippedDataElement, Tags::kClippedData>(),
         Plain<MarkClippedDataElement>("MarkClippedData"),
         Plain<ContourPieceElement>("ContourPiece"),
         Plain<IntersectionElement>("Intersection"),
@@ -133,23 +92,23 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<VehicleTypeElement>("VehicleType"),
         Plain<RoadSignElement>("RoadSign"),
         Plain<ObstacleElement>("Obstacle"),
-        Tagged<Point2x2DElement, kPoint2x2D>(),
-        Tagged<Point2x2DElement, kScale2x2DPoints>(),
-        Tagged<Point2x2DElement, kOffset2x2DPoints>(),
+        Tagged<Point2x2DElement, Tags::kPoint2x2D>(),
+        Tagged<Point2x2DElement, Tags::kScale2x2DPoints>(),
+        Tagged<Point2x2DElement, Tags::kOffset2x2DPoints>(),
         Plain<RoughnessAnalyticElement>("RoughnessAnalytic"),
         Plain<RoughnessElement>("Roughness"),
         Plain<TerraMecanicsModelElement>("TerraMecanicsModel"),
         Plain<FunctionalModelElement>("FunctionalModel"),
         Plain<SoftGroundPropertiesElement>("SoftGroundProperties"),
         Plain<GroundElement>("Ground"),
-        Tagged<MaterialChanelElement, kDiffuse>(),
-        Tagged<MaterialChanelElement, kAmbient>(),
-        Tagged<MaterialChanelElement, kSpecular>(),
-        Tagged<MaterialChanelElement, kEmissive>(),
-        Tagged<MaterialChanelElement, kBump>(),
-        Tagged<MaterialChanelElement, kOpacity>(),
-        Tagged<MaterialChanelElement, kReflection>(),
-        Tagged<MaterialChanelElement, kShininess>(),
+        Tagged<MaterialChanelElement, Tags::kDiffuse>(),
+        Tagged<MaterialChanelElement, Tags::kAmbient>(),
+        Tagged<MaterialChanelElement, Tags::kSpecular>(),
+        Tagged<MaterialChanelElement, Tags::kEmissive>(),
+        Tagged<MaterialChanelElement, Tags::kBump>(),
+        Tagged<MaterialChanelElement, Tags::kOpacity>(),
+        Tagged<MaterialChanelElement, Tags::kReflection>(),
+        Tagged<MaterialChanelElement, Tags::kShininess>(),
         Plain<AreaElement>("Area"),
         Plain<ConcentricZoneElement>("ConcentricZone"),
         Plain<ParkingLotElement>("ParkingLot"),
@@ -172,16 +131,16 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<PedestrianNetworkElement>("PedestrianNetwork"),
         Plain<LegacyElement>("Legacy"),
         Plain<LegacySZCurveElement>("LegacySZCurve"),
-        Tagged<VersionElement, kVersion>(),
-        Tagged<VersionElement, kQorVersion>(),
+        Tagged<VersionElement, Tags::kVersion>(),
+        Tagged<VersionElement, Tags::kQorVersion>(),
         Plain<Rail::QuoteElement>("Quote"),
         Plain<Rail::MileageSystemElement>("MileageSystem"),
         Plain<Rail::MileageAnchorElement>("MileageAnchor"),
         Plain<Rail::TrackLinkedEndElement>("TrackLinkedEnd"),
-        Tagged<Rail::ReferenceElement, kOpenEnd>(),
-        Tagged<Rail::ReferenceElement, kBufferEnd>(),
-        Tagged<Rail::ReferenceElement, kLinkedEnd>(),
-        Tagged<Rail::ReferenceElement, kSwitchEnd>(),
+        Tagged<Rail::ReferenceElement, Tags::kOpenEnd>(),
+        Tagged<Rail::ReferenceElement, Tags::kBufferEnd>(),
+        Tagged<Rail::ReferenceElement, Tags::kLinkedEnd>(),
+        Tagged<Rail::ReferenceElement, Tags::kSwitchEnd>(),
         Plain<Rail::ConnectionReferenceElement>("ConnectionReference"),
         Plain<Rail::SwitchElement>("Switch"),
         Plain<Rail::CrossingElement>("Crossing"),
@@ -189,25 +148,25 @@ const std::vector<DataClassInfo>& DataClasses() {
         Plain<Rail::DoublePropertyElement>("DoubleProperty"),
         Plain<Rail::EnumElement>("Enum"),
         Plain<Rail::EnumPropertyElement>("EnumProperty"),
-        Tagged<Rail::PropertyValueElement, kDoublePropertyValue>(),
-        Tagged<Rail::PropertyValueElement, kEnumPropertyValue>(),
+        Tagged<Rail::PropertyValueElement, Tags::kDoublePropertyValue>(),
+        Tagged<Rail::PropertyValueElement, Tags::kEnumPropertyValue>(),
         Plain<Rail::PropertyChangeElement>("PropertyChange"),
         Plain<Rail::PropertySpanElement>("PropertySpan"),
         Plain<Rail::TrackSpanElement>("TrackSpan"),
         Plain<Rail::TrackQuoteElement>("TrackQuote"),
-        Tagged<Rail::ObjectOnTrackSpanElement, kTunnel>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kBridge>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kGantry>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kPlatform>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kLevelCrossing>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kRoadArea>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, Tags::kTunnel>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, Tags::kBridge>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, Tags::kGantry>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, Tags::kPlatform>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, Tags::kLevelCrossing>(),
+        Tagged<Rail::ObjectOnTrackSpanElement, Tags::kRoadArea>(),
         Plain<Rail::SignalElement>("Signal"),
         Plain<Rail::BaliseElement>("Balise"),
         Plain<Rail::TelegramCalculatorElement>("TelegramCalculator"),
         Plain<Rail::TrainDetectionElement>("TrainDetection"),
         Plain<Rail::FrameElement>("Frame"),
-        Tagged<Rail::WorldEquipmentElement, kRadioAntena>(),
-        Tagged<Rail::WorldEquipmentElement, kAreaTelegramCalculator>(),
+        Tagged<Rail::WorldEquipmentElement, Tags::kRadioAntena>(),
+        Tagged<Rail::WorldEquipmentElement, Tags::kAreaTelegramCalculator>(),
         Plain<Rail::StationElement>("Station"),
         Plain<Rail::RailroadTrackElement>("RailroadTrack"),
         Plain<Rail::RailNetworkElement>("RailNetwork"),

@@ -12,33 +12,15 @@ namespace Orvia {
 
 namespace {
 
-// Files of a tag that the factory leaves to the element layer arrive as plain records: give them the runtime
-// class, keeping everything they hold.
-void AdoptExternal(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot) {
-    if (!slot || dynamic_cast<ExternalElement*>(slot.Get())) return;
-    Ruvex::CountedPtr<ExternalElement> adopted(new ExternalElement(slot->GetTagName(), slot->GetFilePath()));
-    adopted->SetFlipped(slot->GetFlipped());
-    static_cast<Ruvex::Element&>(*adopted) = *slot;
-    slot = adopted.Get();
-}
-
-template <class List>
-void MakeListUnique(List& list) {
-    for (size_t i = 0; i < list.size(); ++i) {
-        auto* item = list[i].Get();
-        if (!item || item->GetName().empty()) continue;
-        // The first member bearing a name keeps it; the name index answers without building a set of names.
-        if (list.find(item->GetName()) == i) continue;
-        item->SetName(GetUniqueName(item->GetName(), list));
-    }
-}
-
 // Renames each member of `incoming` whose name is taken in `list`, then appends it there.
 template <class List>
 void AppendRenamed(List& list, List& incoming) {
+    if (incoming.empty()) return;
+    UniqueNames names(list);
     for (const auto& item : incoming) {
         if (!item) continue;
-        if (list.contains(item->GetName())) item->SetName(GetUniqueName(item->GetName(), list));
+        if (names.Contains(item->GetName())) item->SetName(names.GetUnique(item->GetName()));
+        names.Add(item->GetName());
         list.push_back(item);
     }
     incoming.clear();
@@ -151,29 +133,29 @@ ExternalElement* SubNetwork::GetPhysicalSurface() const {
 
 bool SubNetwork::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!SubNetworkElement::LoadFromXMLElement(element, parser)) return false;
-    AdoptExternal(m_ProxyFileElement);
-    AdoptExternal(m_TerrainElement);
-    AdoptExternal(m_RollingSurfaceElement);
-    AdoptExternal(m_PhysicalSurfaceElement);
+    ExternalElement::Adopt(m_ProxyFileElement);
+    ExternalElement::Adopt(m_TerrainElement);
+    ExternalElement::Adopt(m_RollingSurfaceElement);
+    ExternalElement::Adopt(m_PhysicalSurfaceElement);
     return true;
 }
 
 // ---- Whole object
 
 void SubNetwork::MakeNamesUnique() {
-    MakeListUnique(m_Tracks);
-    MakeListUnique(m_JunctionTracks);
-    MakeListUnique(m_Intersections);
-    MakeListUnique(m_Profiles);
-    MakeListUnique(m_Markings);
-    MakeListUnique(m_Materials);
-    MakeListUnique(m_Grounds);
-    MakeListUnique(m_TrafficLightGroups);
-    MakeListUnique(m_TrajectoryParts);
-    MakeListUnique(m_Trajectories);
-    MakeListUnique(m_ParkingSpots);
-    MakeListUnique(m_Zones);
-    MakeListUnique(m_EntitiesGenerations);
+    MakeRepeatedNamesUnique(m_Tracks);
+    MakeRepeatedNamesUnique(m_JunctionTracks);
+    MakeRepeatedNamesUnique(m_Intersections);
+    MakeRepeatedNamesUnique(m_Profiles);
+    MakeRepeatedNamesUnique(m_Markings);
+    MakeRepeatedNamesUnique(m_Materials);
+    MakeRepeatedNamesUnique(m_Grounds);
+    MakeRepeatedNamesUnique(m_TrafficLightGroups);
+    MakeRepeatedNamesUnique(m_TrajectoryParts);
+    MakeRepeatedNamesUnique(m_Trajectories);
+    MakeRepeatedNamesUnique(m_ParkingSpots);
+    MakeRepeatedNamesUnique(m_Zones);
+    MakeRepeatedNamesUnique(m_EntitiesGenerations);
 }
 
 void SubNetwork::MergeWith(SubNetwork* other) {

@@ -108,7 +108,7 @@ void CollectLeftovers(const Element& element, std::vector<std::string>& out) {
 
 // The tags the factory's table names: every quoted word of its source, which holds nothing else in quotes.
 std::set<std::string> FactoryTableTags() {
-    const std::string source = ReadAll(fs::path(ORVIA_SOURCE_DIR) / "core" / "orvia_factory.cpp");
+    const std::string source = ReadAll(fs::path(ORVIA_SOURCE_DIR) / "world" / "orvia_factory.cpp");
     std::set<std::string> tags;
     for (size_t open = source.find('"'); open != std::string::npos; open = source.find('"', open + 1)) {
         const size_t close = source.find('"', open + 1);

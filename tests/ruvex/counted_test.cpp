@@ -46,31 +46,37 @@ TEST(CountedPtr, OwnershipRules) {
     EXPECT_EQ(innerDeaths, 1);
 }
 
+// Short lists are searched in order, longer ones through their index: both run the same edits.
 TEST(HashVector, IndexFollowsEdits) {
-    HashVector<CountedPtr<RoadElement>> roads;
-    auto make = [](const char* name) {
-        auto* r = new RoadElement;
-        r->SetName(name);
-        return r;
-    };
-    RoadElement* b = make("B");
-    roads.push_back(make("A"));
-    roads.push_back(b);
-    roads.push_back(make("A"));
-    EXPECT_EQ(roads.find("A"), 0u);  // first of two
-    EXPECT_EQ(roads.find("B"), 1u);
-    EXPECT_EQ(roads.find("C"), HashVector<CountedPtr<RoadElement>>::npos);
+    for (const size_t filler : {size_t(0), HashVector<CountedPtr<RoadElement>>::kLinearSearchMax}) {
+        SCOPED_TRACE(filler);
+        HashVector<CountedPtr<RoadElement>> roads;
+        auto make = [](const char* name) {
+            auto* r = new RoadElement;
+            r->SetName(name);
+            return r;
+        };
+        RoadElement* b = make("B");
+        roads.push_back(make("A"));
+        roads.push_back(b);
+        roads.push_back(make("A"));
+        for (size_t i = 0; i < filler; ++i)
+            roads.push_back(make("filler"));
+        EXPECT_EQ(roads.find("A"), 0u);  // first of two
+        EXPECT_EQ(roads.find("B"), 1u);
+        EXPECT_EQ(roads.find("C"), HashVector<CountedPtr<RoadElement>>::npos);
 
-    roads.insert(0, make("C"));
-    EXPECT_EQ(roads.find("C"), 0u);
-    EXPECT_EQ(roads.find("B"), 2u);
+        roads.insert(0, make("C"));
+        EXPECT_EQ(roads.find("C"), 0u);
+        EXPECT_EQ(roads.find("B"), 2u);
 
-    b->SetName("Bee");
-    EXPECT_EQ(roads.find("B"), HashVector<CountedPtr<RoadElement>>::npos);
-    EXPECT_EQ(roads.find("Bee"), 2u);
+        b->SetName("Bee");
+        EXPECT_EQ(roads.find("B"), HashVector<CountedPtr<RoadElement>>::npos);
+        EXPECT_EQ(roads.find("Bee"), 2u);
 
-    EXPECT_TRUE(roads.erase(1));  // the first "A"
-    EXPECT_EQ(roads.find("A"), 2u);
-    EXPECT_FALSE(roads.erase(10));
-    EXPECT_EQ(roads.indexOf(b), 1u);
+        EXPECT_TRUE(roads.erase(1));  // the first "A"
+        EXPECT_EQ(roads.find("A"), 2u);
+        EXPECT_FALSE(roads.erase(1000));
+        EXPECT_EQ(roads.indexOf(b), 1u);
+    }
 }

@@ -25,6 +25,11 @@ public:
     // Copies the path and the flipped flag, not the tag; a null source changes nothing.
     void CopyFrom(const ExternalElement* other);
 
+    // Gives a file slot filled with a plain record (a tag the factory leaves to the element layer) the
+    // runtime class, keeping everything the record holds; an empty slot or one already of this class is left
+    // alone.
+    static void Adopt(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot);
+
 protected:
     // For classes that declare fields of their own; the tag is then the one of their schema.
     explicit ExternalElement(const Ruvex::Schema* schema);

@@ -4,6 +4,7 @@
 #include <orvia/ruvex/elements/network.h>
 #include <orvia/vek/vector.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -104,7 +105,15 @@ private:
     void CenterOn(const vek::Vector3& latLonElevation);
 
     struct Projection;
-    std::unique_ptr<Projection> m_projection;
+    // The projection, made on first use when it is still the default one (null until then): a network's
+    // default geolocalisation, replaced by the one a file holds, costs no GDAL work. Not for concurrent
+    // readers of a default geolocalisation that was never queried.
+    Projection& GetProjection() const;
+    // A default projection; `lambert` tells whether GDAL could read the Lambert reference (else WGS84).
+    static std::unique_ptr<Projection> MakeDefaultProjection(bool& lambert);
+    // The default placement without its projection or the values that come from it.
+    explicit Geolocalisation(std::nullptr_t);
+    mutable std::unique_ptr<Projection> m_projection;
 };
 
 }  // namespace Orvia

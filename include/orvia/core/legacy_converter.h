@@ -3,7 +3,6 @@
 // Reading of elements written by older format versions into the records that the current layout fills.
 
 #include <orvia/ruvex/dom.h>
-#include <orvia/ruvex/elements/curves.h>
 #include <orvia/ruvex/elements/network.h>
 #include <orvia/ruvex/elements/profile.h>
 
@@ -11,18 +10,12 @@ namespace QorOldData {
 
 class DataConverter {
 public:
-    // A <ClothoArc> of a document older than 2.3.0, whose layout is the current one: read by the record's own
-    // reader (never the runtime override). False for null arguments or a malformed attribute (reported to the
-    // parser).
-    static bool LoadClothoArc(Ruvex::ClothoidArcElement* record, Ruvex::IDOMElement* element,
-                              Ruvex::IDOMParser* parser);
-    // A <PolyLine> of a document older than 2.3.0; same contract as LoadClothoArc.
-    static bool LoadPolyLine(Ruvex::PolyLineElement* record, Ruvex::IDOMElement* element,
-                             Ruvex::IDOMParser* parser);
-    // A <Network> of a document of version 2.2.2 or older; same contract as LoadClothoArc.
+    // A <Network> of a document of version 2.2.2 or older, read by the record's own reader (never the runtime
+    // override). False only for null arguments: a malformed attribute is reported to the parser as a warning
+    // and left at its default.
     static bool LoadNetwork_v_2_2_2(Ruvex::NetworkElement* record, Ruvex::IDOMElement* element,
                                     Ruvex::IDOMParser* parser);
-    // A <Road> of a document older than 1.4.2; same contract as LoadClothoArc.
+    // A <Road> of a document older than 1.4.2; same contract as LoadNetwork_v_2_2_2.
     static bool LoadRoad(Ruvex::RoadElement* record, Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
     // A <Profile> of a document of version 2.0.0 or older; same contract as LoadClothoArc.
     static bool LoadProfile(Ruvex::ProfileElement* record, Ruvex::IDOMElement* element,

@@ -180,7 +180,7 @@ public:
     const std::string& getFileName() const { return m_fileName; }
     void setFileName(const std::string& fileName) { m_fileName = fileName; }
 
-    // Files of format 2.2.2 and older are refused (reported to the parser).
+    // Files of format 2.2.2 and older are read through the legacy converter, newer ones by the generic load.
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
     // Makes names unique, then writes the record and the background images in ascending camera index.
     Ruvex::IDOMElement* BuildXMLElement(Ruvex::IDOMParser* parser) override;
@@ -193,8 +193,6 @@ protected:
 private:
     static Network* Finish(Ruvex::Element* root, const char* fileName,
                            const std::vector<std::string>& searchPaths);
-    // One pass over the sub-networks or the junctions; true when it renamed something.
-    bool MakeUniquePass(bool subNetworks);
 
     std::map<size_t, Ruvex::CountedPtr<BackGroundImage>> m_backgroundImages;
     std::string m_fileName;

@@ -62,8 +62,8 @@ public:
 
     // The XML tag this object is saved under.
     virtual const std::string& GetTagName() const;
-    // Reads attributes, then hands every child element to LoadChild in document order. False when an argument
-    // is null or an attribute is malformed (the problem is reported to the parser).
+    // Reads attributes, then hands every child element to LoadChild in document order. False only when an
+    // argument is null: a malformed attribute is reported to the parser as a warning and left at its default.
     virtual bool LoadFromXMLElement(IDOMElement* element, IDOMParser* parser);
     // A new DOM element for this object, children included.
     virtual IDOMElement* BuildXMLElement(IDOMParser* parser);

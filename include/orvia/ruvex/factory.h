@@ -3,6 +3,7 @@
 #include <orvia/ruvex/element.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Ruvex {
@@ -14,7 +15,15 @@ class Factory : public CountedObject {
 public:
     // A new element with count 0; never null.
     virtual Element* Create(const std::string& tag);
+    // The function that Create(tag) calls every time for this tag, which a load may then call directly; null
+    // when Create must be asked each time. The base answers null: a factory that overrides Create and not
+    // this is asked for every element.
+    virtual Element* (*FindCreator(std::string_view tag) const)();
 };
+
+// Changes whenever a factory is installed or removed: what a factory's FindCreator answered holds while it
+// stays the same.
+uint64_t FactoryEpoch();
 
 // The process-wide factory (null when none is installed: the base behaviour applies).
 Factory* GetFactory();

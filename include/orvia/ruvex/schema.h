@@ -5,14 +5,17 @@
 // generic load and save walk, so the two directions cannot drift apart.
 
 #include <orvia/ruvex/element.h>
+#include <orvia/ruvex/factory.h>
 #include <orvia/ruvex/hash_vector.h>
 #include <orvia/vek/vector.h>
 
 #include <array>
+#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -43,6 +46,19 @@ struct AttributeField {
 
 enum class ChildKind { Single, List, NamedList };
 
+// The creators that the installed factory fixes for the tags of one child field (Factory::FindCreator), asked
+// the first time the field loads a child under that factory.
+class FactoryCreators {
+public:
+    explicit FactoryCreators(size_t count) : m_creators(new std::atomic<Element* (*)()>[count]) {}
+    // The creator for tags[index], or null when the factory must be asked each time.
+    Element* (*Get(const Factory& factory, const std::vector<std::string_view>& tags, size_t index))();
+
+private:
+    std::atomic<uint64_t> m_epoch{0};  // FactoryEpoch() of the factory the creators are for; 0 for none
+    std::unique_ptr<std::atomic<Element* (*)()>[]> m_creators;
+};
+
 struct ChildField {
     ChildKind kind = ChildKind::List;
     std::string_view member;     // accessor name, for the format reference
@@ -59,6 +75,9 @@ struct ChildField {
     // Lists only (null for a single slot): the number of items, and room made for `count` of them.
     size_t (*size)(const Element& object) = nullptr;
     void (*reserve)(Element& object, size_t count) = nullptr;
+    // What the installed factory creates for each tag, asked once per installed factory (shared by the copies
+    // of this field in derived schemas).
+    std::shared_ptr<FactoryCreators> factoryCreators;
 
     bool Accepts(std::string_view tag) const {
         for (std::string_view t : tags)
@@ -321,6 +340,20 @@ struct ComponentOps {
     }
 };
 
+// `child` as an Item, or null when it is not one. The exact type, and the last class seen to derive from Item
+// (the runtime class a factory makes for the tag, nearly always), are recognised without a search of the
+// hierarchy.
+template <class Item>
+Item* AsItem(Element* child) {
+    static std::atomic<const std::type_info*> derived{&typeid(Item)};
+    const std::type_info& type = typeid(*child);
+    if (type == typeid(Item) || type == *derived.load(std::memory_order_relaxed))
+        return static_cast<Item*>(child);
+    Item* item = dynamic_cast<Item*>(child);
+    if (item) derived.store(&type, std::memory_order_relaxed);
+    return item;
+}
+
 template <class P>
 struct PointerTraits;
 template <class T>
@@ -333,8 +366,7 @@ struct SingleOps {
     using Class = typename MemberTraits<decltype(Member)>::Class;
     using Item = typename PointerTraits<typename MemberTraits<decltype(Member)>::Type>::Type;
     static bool Accept(Element& object, Element* child) {
-        // The exact type needs no search of the hierarchy.
-        Item* item = typeid(*child) == typeid(Item) ? static_cast<Item*>(child) : dynamic_cast<Item*>(child);
+        Item* item = AsItem<Item>(child);
         if (!item) return false;
         static_cast<Class&>(object).*Member = item;
         return true;
@@ -350,8 +382,7 @@ struct ListOps {
     using Container = typename MemberTraits<decltype(Member)>::Type;
     using Item = typename PointerTraits<std::decay_t<decltype(std::declval<Container>()[0])>>::Type;
     static bool Accept(Element& object, Element* child) {
-        // The exact type needs no search of the hierarchy.
-        Item* item = typeid(*child) == typeid(Item) ? static_cast<Item*>(child) : dynamic_cast<Item*>(child);
+        Item* item = AsItem<Item>(child);
         if (!item) return false;
         (static_cast<Class&>(object).*Member).push_back(CountedPtr<Item>(item));
         return true;
@@ -406,6 +437,7 @@ public:
         using Ops = detail::SingleOps<Member>;
         std::vector<std::string_view> split = detail::SplitTags(tags);
         std::vector<Element* (*)()> creators = detail::DataClassCreators(split);
+        auto factoryCreators = std::make_shared<FactoryCreators>(split.size());
         m_schema.children.push_back({ChildKind::Single,
                                      member,
                                      {},
@@ -413,7 +445,10 @@ public:
                                      typeName,
                                      &Ops::Accept,
                                      &Ops::ForEach,
-                                     std::move(creators)});
+                                     std::move(creators),
+                                     nullptr,
+                                     nullptr,
+                                     std::move(factoryCreators)});
         return *this;
     }
     template <auto Member>
@@ -422,8 +457,10 @@ public:
         using Ops = detail::ListOps<Member>;
         std::vector<std::string_view> split = detail::SplitTags(tags);
         std::vector<Element* (*)()> creators = detail::DataClassCreators(split);
+        auto factoryCreators = std::make_shared<FactoryCreators>(split.size());
         m_schema.children.push_back({kind, member, container, std::move(split), typeName, &Ops::Accept,
-                                     &Ops::ForEach, std::move(creators), &Ops::Size, &Ops::Reserve});
+                                     &Ops::ForEach, std::move(creators), &Ops::Size, &Ops::Reserve,
+                                     std::move(factoryCreators)});
         return *this;
     }
 

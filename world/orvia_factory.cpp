@@ -24,6 +24,7 @@
 #include <orvia/ruvex/elements/curves.h>
 #include <orvia/ruvex/elements/profile.h>
 #include <orvia/ruvex/elements/traffic.h>
+#include <orvia/ruvex/tags.h>
 #include <orvia/topology/clipped_data.h>
 #include <orvia/topology/composite_object.h>
 #include <orvia/topology/connector.h>
@@ -43,6 +44,7 @@
 #include <orvia/traffic/traffic_light.h>
 
 #include <string_view>
+#include <typeinfo>
 #include <unordered_map>
 
 namespace Orvia {
@@ -67,38 +69,9 @@ Entry Tagged() {
     return Entry{Tag, [] { return static_cast<Ruvex::Element*>(new T(Tag)); }};
 }
 
-constexpr char kExternalElement[] = "ExternalElement";
-constexpr char kExternalSurface[] = "ExternalSurface";
-constexpr char kExternalTerrain[] = "ExternalTerrain";
-constexpr char kProxyFile[] = "ProxyFile";
-constexpr char kSequence[] = "Sequence";
-constexpr char kSequenceY[] = "SequenceY";
-constexpr char kSequenceZ[] = "SequenceZ";
-constexpr char kClippedData[] = "ClippedData";
-constexpr char kOffset2x2DPoints[] = "Offset2x2DPoints";
-constexpr char kDiffuse[] = "Diffuse";
-constexpr char kAmbient[] = "Ambient";
-constexpr char kSpecular[] = "Specular";
-constexpr char kEmissive[] = "Emissive";
-constexpr char kVersion[] = "Version";
-constexpr char kQorVersion[] = "QorVersion";
-constexpr char kTrajectoryCurve[] = "TrajectoryCurve";
-constexpr char kSZCurve[] = "SZCurve";
-constexpr char kBankingCurve[] = "BankingCurve";
-constexpr char kTunnel[] = "Tunnel";
-constexpr char kBridge[] = "Bridge";
-constexpr char kGantry[] = "Gantry";
-constexpr char kPlatform[] = "Platform";
-constexpr char kLevelCrossing[] = "LevelCrossing";
-constexpr char kRoadArea[] = "RoadArea";
-constexpr char kRadioAntena[] = "RadioAntena";
-constexpr char kAreaTelegramCalculator[] = "AreaTelegramCalculator";
-constexpr char kOpenEnd[] = "OpenEnd";
-constexpr char kBufferEnd[] = "BufferEnd";
-constexpr char kLinkedEnd[] = "LinkedEnd";
-constexpr char kSwitchEnd[] = "SwitchEnd";
-
-// In the order of the rule: when a tag appears twice, the first entry wins.
+// In the order of the rule: when a tag appears twice, the first entry wins. Tags whose object is the data
+// class the element layer registers for them (axis curves among them: the classes that own an axis build
+// their runtime curves) are left to the element layer's factory.
 const std::vector<Entry>& Table() {
     static const std::vector<Entry> table = {
         // Tags whose runtime class bears the same name.
@@ -153,16 +126,14 @@ const std::vector<Entry>& Table() {
 
         // The exceptions.
         Make<RoadPiece>("RoadElement"),
-        Make<Ruvex::LanePairElement>("LanePair"),
-        Tagged<ExternalElement, kExternalElement>(),
-        Tagged<ExternalElement, kExternalSurface>(),
-        Tagged<ExternalElement, kExternalTerrain>(),
-        Tagged<ExternalElement, kProxyFile>(),
-        Tagged<Sequence, kSequence>(),
-        Tagged<Sequence, kSequenceY>(),
-        Tagged<Sequence, kSequenceZ>(),
-        Make<Ruvex::TrackClipElement>("TrackClip"),
-        Tagged<TrackClippedData, kClippedData>(),
+        Tagged<ExternalElement, Ruvex::Tags::kExternalElement>(),
+        Tagged<ExternalElement, Ruvex::Tags::kExternalSurface>(),
+        Tagged<ExternalElement, Ruvex::Tags::kExternalTerrain>(),
+        Tagged<ExternalElement, Ruvex::Tags::kProxyFile>(),
+        Tagged<Sequence, Ruvex::Tags::kSequence>(),
+        Tagged<Sequence, Ruvex::Tags::kSequenceY>(),
+        Tagged<Sequence, Ruvex::Tags::kSequenceZ>(),
+        Tagged<TrackClippedData, Ruvex::Tags::kClippedData>(),
         Make<LinearObject>("Linear"),
         Make<SubPart>("SubParts"),
         Make<Zone>("Area"),
@@ -176,23 +147,17 @@ const std::vector<Entry>& Table() {
                   return static_cast<Ruvex::Element*>(
                       new Point2x2D(1.0, 1.0, 1.0, 1.0, 1.0, "Scale2x2DPoints"));
               }},
-        Tagged<Point2x2D, kOffset2x2DPoints>(),
+        Tagged<Point2x2D, Ruvex::Tags::kOffset2x2DPoints>(),
         Make<TrajectoryPiece>("TrajectoryElement"),
-        Make<Ruvex::UVMappingElement>("UVMapping"),
-        Tagged<MaterialChanel, kDiffuse>(),
-        Tagged<MaterialChanel, kAmbient>(),
-        Tagged<MaterialChanel, kSpecular>(),
-        Tagged<MaterialChanel, kEmissive>(),
+        Tagged<MaterialChanel, Ruvex::Tags::kDiffuse>(),
+        Tagged<MaterialChanel, Ruvex::Tags::kAmbient>(),
+        Tagged<MaterialChanel, Ruvex::Tags::kSpecular>(),
+        Tagged<MaterialChanel, Ruvex::Tags::kEmissive>(),
         Make<QuenbelDataElement>("QuenbelData"),
         Make<QorOldData::LegacyElement>("Legacy"),
         Make<QorOldData::LegacySZCurveElement>("LegacySZCurve"),
-        Tagged<QorOldData::VersionElement, kVersion>(),
-        Tagged<QorOldData::VersionElement, kQorVersion>(),
-        // Axis curves are plain records here: the classes that own an axis build their runtime curves.
-        Tagged<Ruvex::CartesianCurveElement, kTrajectoryCurve>(),
-        Tagged<Ruvex::CartesianCurveElement, kSZCurve>(),
-        Tagged<Ruvex::CartesianCurveElement, kBankingCurve>(),
-        Make<Ruvex::XYCurveElement>("XYCurve"),
+        Tagged<QorOldData::VersionElement, Ruvex::Tags::kVersion>(),
+        Tagged<QorOldData::VersionElement, Ruvex::Tags::kQorVersion>(),
         Make<::PolynomialFunction>("Polynomial"),
         Make<::Segment>("Segment"),
         Make<::CircleArc>("CircleArc"),
@@ -200,14 +165,6 @@ const std::vector<Entry>& Table() {
         Make<::ClothoidSpline>("ClothoidSpline"),
         Entry{"PolyLine", [] { return static_cast<Ruvex::Element*>(new ::PolyLine(1, 0)); }},
         Make<Rail::RailNetwork>("RailNetwork"),
-        Tagged<Rail::ObjectOnTrackSpanElement, kTunnel>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kBridge>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kGantry>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kPlatform>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kLevelCrossing>(),
-        Tagged<Rail::ObjectOnTrackSpanElement, kRoadArea>(),
-        Tagged<Rail::WorldEquipmentElement, kRadioAntena>(),
-        Tagged<Rail::WorldEquipmentElement, kAreaTelegramCalculator>(),
         Make<Rail::Signal>("Signal"),
         Make<Rail::Balise>("Balise"),
         Make<Rail::TelegramCalculator>("TelegramCalculator"),
@@ -221,36 +178,47 @@ const std::vector<Entry>& Table() {
         // The runtime classes of these records: the rail network resolves their references.
         Make<Rail::EnumPropertyValue>("EnumPropertyValue"),
         Make<Rail::DoublePropertyValue>("DoublePropertyValue"),
-        Make<Rail::QuoteElement>("Quote"),
         Make<Rail::MileageSystem>("MileageSystem"),
-        Make<Rail::MileageAnchorElement>("MileageAnchor"),
-        Make<Rail::TrackLinkedEndElement>("TrackLinkedEnd"),
-        Make<Rail::ConnectionPointElement>("ConnectionPoint"),
         Make<Rail::PropertySpan>("PropertySpan"),
         Make<Rail::PropertyChange>("PropertyChange"),
-        Tagged<ReferenceElement, kOpenEnd>(),
-        Tagged<ReferenceElement, kBufferEnd>(),
-        Tagged<ReferenceElement, kLinkedEnd>(),
-        Tagged<ReferenceElement, kSwitchEnd>(),
-        Make<Rail::StationElement>("Station"),
-        Make<Rail::TrackQuoteElement>("TrackQuote"),
-        Make<Rail::TrackSpanElement>("TrackSpan"),
+        Tagged<ReferenceElement, Ruvex::Tags::kOpenEnd>(),
+        Tagged<ReferenceElement, Ruvex::Tags::kBufferEnd>(),
+        Tagged<ReferenceElement, Ruvex::Tags::kLinkedEnd>(),
+        Tagged<ReferenceElement, Ruvex::Tags::kSwitchEnd>(),
     };
     return table;
 }
 
 }  // namespace
 
-Ruvex::Element* OrviaFactory::Create(const std::string& tag) {
+namespace {
+
+const std::unordered_map<std::string_view, Creator>& Index() {
     static const std::unordered_map<std::string_view, Creator> index = [] {
         std::unordered_map<std::string_view, Creator> map;
         for (const Entry& entry : Table())
             map.emplace(entry.tag, entry.create);
         return map;
     }();
-    auto it = index.find(tag);
-    if (it != index.end()) return it->second();
+    return index;
+}
+
+}  // namespace
+
+Ruvex::Element* OrviaFactory::Create(const std::string& tag) {
+    auto it = Index().find(tag);
+    if (it != Index().end()) return it->second();
     return Ruvex::Factory::Create(tag);
+}
+
+Ruvex::Element* (*OrviaFactory::FindCreator(std::string_view tag) const)() {
+    if (typeid(*this) != typeid(OrviaFactory)) return nullptr;
+    auto it = Index().find(tag);
+    if (it != Index().end()) return it->second;
+    // What the base factory creates for a tag with a data class.
+    for (const Ruvex::DataClassInfo& info : Ruvex::DataClasses())
+        if (info.tag == tag) return info.create;
+    return nullptr;
 }
 
 }  // namespace Orvia

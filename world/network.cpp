@@ -12,12 +12,11 @@
 #include <orvia/topology/road.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
+#include <orvia/vek/math.h>
 #include <orvia/vek/path.h>
 
 #include <cmath>
 #include <cstdlib>
-#include <numbers>
-#include <unordered_set>
 
 namespace Orvia {
 
@@ -35,18 +34,6 @@ const std::string kDefaultSubNetworkName = "Sub Network";
 const std::string kDefaultJunctionName = "SubNetworkJunction";
 const std::string kDefaultRoadName = "Road";
 const std::string kBufferName = "buffer";
-
-constexpr double kTwoPi = 2.0 * std::numbers::pi;
-
-// Files of a tag that the factory leaves to the element layer arrive as plain records: give them the runtime
-// class, keeping everything they hold.
-void AdoptExternal(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot) {
-    if (!slot || dynamic_cast<ExternalElement*>(slot.Get())) return;
-    Ruvex::CountedPtr<ExternalElement> adopted(new ExternalElement(slot->GetTagName(), slot->GetFilePath()));
-    adopted->SetFlipped(slot->GetFlipped());
-    static_cast<Ruvex::Element&>(*adopted) = *slot;
-    slot = adopted.Get();
-}
 
 void SetFile(Ruvex::CountedPtr<Ruvex::ExternalFileElement>& slot, const std::string& tag,
              const std::string& path) {
@@ -172,9 +159,9 @@ bool Network::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser*
                             ? QorOldData::DataConverter::LoadNetwork_v_2_2_2(this, element, parser)
                             : NetworkElement::LoadFromXMLElement(element, parser);
     if (!loaded) return false;
-    AdoptExternal(m_GlobalTerrainElement);
-    AdoptExternal(m_RollingSurfaceElement);
-    AdoptExternal(m_PhysicalSurfaceElement);
+    ExternalElement::Adopt(m_GlobalTerrainElement);
+    ExternalElement::Adopt(m_RollingSurfaceElement);
+    ExternalElement::Adopt(m_PhysicalSurfaceElement);
     return true;
 }
 
@@ -255,39 +242,13 @@ std::string Network::GetUniqueJunctionName(const std::string& requested) const {
     return GetUniqueName(requested, m_SubNetworkJunctions);
 }
 
-bool Network::MakeUniquePass(bool subNetworks) {
-    const std::string& defaultName = subNetworks ? kDefaultSubNetworkName : kDefaultJunctionName;
-    const size_t count = subNetworks ? m_SubNetworks.size() : m_SubNetworkJunctions.size();
-    std::unordered_set<std::string> seen;
-    bool renamed = false;
-    for (size_t i = 0; i < count; ++i) {
-        Ruvex::NamedElement* item = subNetworks ? static_cast<Ruvex::NamedElement*>(m_SubNetworks[i].Get())
-                                                : m_SubNetworkJunctions[i].Get();
-        if (!item) continue;
-        auto unique = [&](const std::string& requested) {
-            return subNetworks ? GetUniqueSubNetworkName(requested) : GetUniqueJunctionName(requested);
-        };
-        if (item->GetName().empty()) {
-            // The default name is not remembered: a later member may bear it too.
-            item->SetName(unique(defaultName));
-            renamed = true;
-        } else if (!seen.insert(item->GetName()).second) {
-            std::string fresh = unique(item->GetName());
-            item->SetName(fresh);
-            seen.insert(std::move(fresh));
-            renamed = true;
-        }
-    }
-    return renamed;
-}
-
 void Network::MakeNamesUnique() {
-    MakeUniquePass(true);
+    NameBlankAndRepeated(m_SubNetworks, kDefaultSubNetworkName);
     for (size_t i = 0; i < m_SubNetworks.size(); ++i)
         if (SubNetwork* subNetwork = GetSubNetwork(i)) subNetwork->MakeNamesUnique();
     // As many passes as there are junctions; a pass that renames nothing leaves the next ones nothing to do.
     for (size_t pass = 0, passes = m_SubNetworkJunctions.size(); pass < passes; ++pass)
-        if (!MakeUniquePass(false)) break;
+        if (!NameBlankAndRepeated(m_SubNetworkJunctions, kDefaultJunctionName)) break;
 }
 
 // ---- Sub-networks
@@ -541,8 +502,8 @@ void Network::SymmetrizeRespectYAxis() {
         subNetwork->SymmetrizeRespectYAxis();
         vek::Vector3 position = subNetwork->GetPosition();
         position.x = -position.x;
-        double heading = kTwoPi - subNetwork->GetHeading();
-        heading -= kTwoPi * std::floor(heading / kTwoPi);
+        double heading = vek::kTwoPi - subNetwork->GetHeading();
+        heading -= vek::kTwoPi * std::floor(heading / vek::kTwoPi);
         subNetwork->SetPositionAndHeading(position, heading);
         if (ExternalElement* proxy = subNetwork->GetProxyFile()) proxy->SetFlipped(!proxy->GetFlipped());
     }
