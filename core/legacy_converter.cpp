@@ -27,4 +27,10 @@ bool DataConverter::LoadRoad(Ruvex::RoadElement* record, Ruvex::IDOMElement* ele
     return record->Ruvex::RoadElement::LoadFromXMLElement(element, parser);
 }
 
+bool DataConverter::LoadProfile(Ruvex::ProfileElement* record, Ruvex::IDOMElement* element,
+                                Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::ProfileElement::LoadFromXMLElement(element, parser);
+}
+
 }  // namespace QorOldData

@@ -3,6 +3,7 @@
 #include <orvia/core/external_element.h>
 #include <orvia/core/network.h>
 #include <orvia/core/unique_name.h>
+#include <orvia/geometry/profile.h>
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/road.h>
 #include <orvia/topology/track.h>
@@ -235,6 +236,13 @@ void SubNetwork::MergeWith(SubNetwork* other) {
 
 void SubNetwork::PostLoad(Network* network, [[maybe_unused]] const std::vector<std::string>& searchPaths) {
     m_network = network;
+    for (const auto& item : m_Markings)
+        if (auto* marking = dynamic_cast<Marking*>(item.Get())) marking->PostLoad(m_Materials);
+    for (const auto& item : m_Profiles)
+        if (auto* profile = dynamic_cast<Profile*>(item.Get())) {
+            profile->SetParentSubNetwork(this);
+            profile->PostLoad(m_Markings, m_Grounds, m_Materials);
+        }
     for (const auto& item : m_Intersections)
         if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);
     for (const auto* list : {&m_Tracks, &m_JunctionTracks})

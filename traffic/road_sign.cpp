@@ -3,7 +3,6 @@
 namespace Orvia {
 
 RoadSign::~RoadSign() = default;
-VehicleAuthorisation::~VehicleAuthorisation() = default;
 Obstacle::~Obstacle() = default;
 
 }  // namespace Orvia

@@ -47,6 +47,15 @@ struct RailOptions {
 // which are printed before the summary.
 int RunRail(const RailOptions& options);
 
+// Lists each sub-network's profiles (or a profile library's) with their lanes. Problems of the description
+// (texts outside their tables, borders out of order, counts that do not match) follow on stderr as
+// "file:line:column: message", and make the result 1.
+struct ProfilesOptions {
+    std::string file;
+    bool json = false;
+};
+int RunProfiles(const ProfilesOptions& options);
+
 // Loads `file` into `network`. A file that does not load, or loads only by overlooking values that do not
 // parse, is bad input: its problems are printed one per line and 1 is returned; 0 otherwise.
 int LoadNetwork(const std::string& file, Ruvex::CountedPtr<Orvia::Network>& network);

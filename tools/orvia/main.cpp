@@ -50,10 +50,17 @@ int main(int argc, char** argv) {
     railCommand->add_option("FILE", rail.file, "Rail network file")->required();
     railCommand->add_flag("--json", rail.json, "Print the summary as one JSON object");
 
+    OrviaTool::ProfilesOptions profiles;
+    CLI::App* profilesCommand =
+        app.add_subcommand("profiles", "List each sub-network's profiles with their lanes and problems.");
+    profilesCommand->add_option("FILE", profiles.file, "Network or profile library file")->required();
+    profilesCommand->add_flag("--json", profiles.json, "Print the listing as one JSON object");
+
     CLI11_PARSE(app, argc, argv);
 
     if (*infoCommand) return OrviaTool::RunInfo(info);
     if (*railCommand) return OrviaTool::RunRail(rail);
+    if (*profilesCommand) return OrviaTool::RunProfiles(profiles);
     if (*convertCommand) {
         convert.absolutePaths = absolute->count() > 0;
         return OrviaTool::RunConvert(convert);

@@ -5,6 +5,7 @@
 #include <orvia/ruvex/dom.h>
 #include <orvia/ruvex/elements/curves.h>
 #include <orvia/ruvex/elements/network.h>
+#include <orvia/ruvex/elements/profile.h>
 
 namespace QorOldData {
 
@@ -23,6 +24,9 @@ public:
                                     Ruvex::IDOMParser* parser);
     // A <Road> of a document older than 1.4.2; same contract as LoadClothoArc.
     static bool LoadRoad(Ruvex::RoadElement* record, Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
+    // A <Profile> of a document of version 2.0.0 or older; same contract as LoadClothoArc.
+    static bool LoadProfile(Ruvex::ProfileElement* record, Ruvex::IDOMElement* element,
+                            Ruvex::IDOMParser* parser);
 };
 
 }  // namespace QorOldData

@@ -4,18 +4,13 @@
 // addresses.
 
 #include <orvia/ruvex/elements/traffic.h>
+#include <orvia/traffic/vehicle_authorisation.h>
 
 namespace Orvia {
 
 class RoadSign : public Ruvex::RoadSignElement {
 public:
     ~RoadSign() override;
-};
-
-// Read from and saved as "VehicleType".
-class VehicleAuthorisation : public Ruvex::VehicleTypeElement {
-public:
-    ~VehicleAuthorisation() override;
 };
 
 class Obstacle : public Ruvex::ObstacleElement {
