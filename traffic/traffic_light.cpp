@@ -179,7 +179,9 @@ bool TrafficLightState::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::I
                             ? QorOldData::DataConverter::LoadTrafficLightState(this, element, parser)
                             : Ruvex::TrafficLightStateElement::LoadFromXMLElement(element, parser);
     if (!(m_TimeLength >= 0.0) || !std::isfinite(m_TimeLength)) {
-        parser->ReportWarning(element, "traffic light state of time length " + std::to_string(m_TimeLength) +
+        std::array<char, 32> length{};
+        std::snprintf(length.data(), length.size(), "%g", m_TimeLength);
+        parser->ReportWarning(element, "traffic light state of time length " + std::string(length.data()) +
                                            ", read as 0 (never active)");
         m_TimeLength = 0.0;
     } else if (m_TimeLength == 0.0) {
