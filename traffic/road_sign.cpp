@@ -124,7 +124,8 @@ bool FindText(const std::array<const char*, N>& texts, std::string_view text, ui
 
 // Whom a new sign addresses, and the lamps of a new traffic light.
 constexpr uint32_t kAllCategories = 0xFFFFFFFFu;
-constexpr uint32_t kRoadVehiclesAndPedestrians = VehicleAuthorisation::kRoadVehicles | VehicleAuthorisation::ePedestrian;
+constexpr uint32_t kRoadVehiclesAndPedestrians =
+    VehicleAuthorisation::kRoadVehicles | VehicleAuthorisation::ePedestrian;
 
 }  // namespace
 
@@ -141,8 +142,9 @@ RoadSign::RoadSign(ESignType type) {
             Light::EColor color;
             Light::EIllumination illumination;
         };
-        for (const Lamp& lamp : {Lamp{"LAMP03", Light::eRed, Light::eOff}, Lamp{"LAMP02", Light::eOrange, Light::eOff},
-                                 Lamp{"LAMP01", Light::eGreen, Light::eOn}}) {
+        for (const Lamp& lamp :
+             {Lamp{"LAMP03", Light::eRed, Light::eOff}, Lamp{"LAMP02", Light::eOrange, Light::eOff},
+              Lamp{"LAMP01", Light::eGreen, Light::eOn}}) {
             auto* light = new Light;
             light->SetName(lamp.name);
             light->SetColor(lamp.color);
@@ -247,7 +249,8 @@ void RoadSign::Clear() {
 size_t RoadSign::GetLightId(Light::EColor colour, uint32_t direction, uint32_t category) const {
     for (size_t i = 0; i < m_lights.size(); ++i) {
         const Light& light = *m_lights[i];
-        if ((light.Vehicle() & category) != 0 && light.Color() == colour && (light.Direction() & direction) != 0)
+        if ((light.Vehicle() & category) != 0 && light.Color() == colour &&
+            (light.Direction() & direction) != 0)
             return i;
     }
     return npos;

@@ -65,6 +65,11 @@ void Timer::SetTimeValue(double v) {
     // Not finite or far below any real countdown: keep the conversion to int defined.
     int whole = kTimerCap;
     if (shown < kTimerCap) whole = shown > -1e9 ? static_cast<int>(shown) : -1000000000;
+    if (whole >= 0) {  // the usual countdown: two digits without the cost of formatting
+        const char digits[2] = {static_cast<char>('0' + whole / 10), static_cast<char>('0' + whole % 10)};
+        m_TextValue.assign(digits, 2);
+        return;
+    }
     std::array<char, 16> text{};
     const int n = std::snprintf(text.data(), text.size(), "%02d", whole);
     m_TextValue.assign(text.data(), static_cast<size_t>(n > 0 ? n : 0));
@@ -91,7 +96,8 @@ const char* Light::ToText(EColor color) {
 }
 
 const char* Light::ToText(EIllumination illumination) {
-    return illumination < kIlluminationTexts.size() ? kIlluminationTexts[illumination] : kIlluminationTexts[0];
+    return illumination < kIlluminationTexts.size() ? kIlluminationTexts[illumination]
+                                                    : kIlluminationTexts[0];
 }
 
 Light::EColor Light::ToEColor(const char* text) {
@@ -201,7 +207,8 @@ void TrafficLightState::ReadIlluminations() {
     m_illuminations.clear();
     ForEachWord(m_Illuminations, [&](std::string_view word) {
         bool found = false;
-        m_illuminations.push_back(static_cast<Light::EIllumination>(IndexOf(kIlluminationTexts, word, found)));
+        m_illuminations.push_back(
+            static_cast<Light::EIllumination>(IndexOf(kIlluminationTexts, word, found)));
     });
 }
 

@@ -82,7 +82,8 @@ bool TrafficLightAnimation::SetState(size_t index, TrafficLightState* state, boo
 bool TrafficLightAnimation::InsertState(TrafficLightState* state, size_t index, bool update) {
     if (!state) return false;
     if (index > m_States.size()) index = m_States.size();
-    m_States.insert(m_States.begin() + static_cast<std::ptrdiff_t>(index), Ruvex::CountedPtr<Ruvex::TrafficLightStateElement>(state));
+    m_States.insert(m_States.begin() + static_cast<std::ptrdiff_t>(index),
+                    Ruvex::CountedPtr<Ruvex::TrafficLightStateElement>(state));
     m_states.insert(m_states.begin() + static_cast<std::ptrdiff_t>(index), state);
     if (update) UpdateTimeValues();
     return true;
@@ -106,7 +107,8 @@ void TrafficLightAnimation::ClearStates() {
 
 void TrafficLightAnimation::SetTrafficLight(ClippedData* trafficLight) {
     m_trafficLight = trafficLight;
-    m_sign = trafficLight ? dynamic_cast<RoadSign*>(trafficLight->GetClippedDataElement().GetRoadSign()) : nullptr;
+    m_sign =
+        trafficLight ? dynamic_cast<RoadSign*>(trafficLight->GetClippedDataElement().GetRoadSign()) : nullptr;
 }
 
 size_t TrafficLightAnimation::GetLightCount() const {
@@ -372,7 +374,8 @@ bool TrafficLightGroup::AddTrafficLight(ClippedData* trafficLight) {
     if (!trafficLight) return false;
     const std::string& name = trafficLight->GetClippedDataElement().GetName();
     for (const TrafficLightAnimation* animation : m_animations)
-        if (animation->GetTrafficLight() == trafficLight || animation->GetRoadSignName() == name) return false;
+        if (animation->GetTrafficLight() == trafficLight || animation->GetRoadSignName() == name)
+            return false;
     std::set<std::string> cycles;
     // A group without cycles gets the light in its current cycle, so that lights can be added first.
     if (GetCycleCount(cycles) == 0) cycles.insert(m_CurrentCycle);
@@ -387,7 +390,8 @@ bool TrafficLightGroup::RemoveTrafficLight(const std::string& name) {
 
 bool TrafficLightGroup::RemoveTrafficLight(ClippedData* trafficLight) {
     if (!trafficLight) return false;
-    return RemoveAnimationsIf([&](const TrafficLightAnimation& a) { return a.GetTrafficLight() == trafficLight; });
+    return RemoveAnimationsIf(
+        [&](const TrafficLightAnimation& a) { return a.GetTrafficLight() == trafficLight; });
 }
 
 bool TrafficLightGroup::ContainsTrafficLight(const std::string& name) const {
@@ -424,7 +428,8 @@ TrafficLightAnimation* TrafficLightGroup::GetCurrentCycleTrafficLightAnimation(
 TrafficLightAnimation* TrafficLightGroup::GetCurrentCycleTrafficLightAnimationFromName(
     const std::string& name) const {
     for (TrafficLightAnimation* animation : m_animations)
-        if (animation->GetRoadSignName() == name && animation->GetCycleName() == m_CurrentCycle) return animation;
+        if (animation->GetRoadSignName() == name && animation->GetCycleName() == m_CurrentCycle)
+            return animation;
     return nullptr;
 }
 
@@ -469,7 +474,8 @@ bool TrafficLightGroup::PostLoad(SubNetwork* subNetwork) {
         ClippedData* trafficLight = subNetwork->GetClippedDataByName(animation.GetRoadSignName());
         if (!trafficLight) {
             problem(animation, "traffic light group \"" + GetName() + "\": no sign \"" +
-                                   animation.GetRoadSignName() + "\" in the sub-network; its animation of cycle \"" +
+                                   animation.GetRoadSignName() +
+                                   "\" in the sub-network; its animation of cycle \"" +
                                    animation.GetCycleName() + "\" is dropped");
             m_Animations.erase(m_Animations.begin() + static_cast<std::ptrdiff_t>(i));
             m_animations.erase(m_animations.begin() + static_cast<std::ptrdiff_t>(i));
@@ -489,15 +495,18 @@ bool TrafficLightGroup::PostLoad(SubNetwork* subNetwork) {
         for (size_t j = m_animations.size(); j-- > i + 1;) {
             const TrafficLightAnimation& first = *m_animations[i];
             const TrafficLightAnimation& later = *m_animations[j];
-            if (later.GetRoadSignName() != first.GetRoadSignName() || later.GetCycleName() != first.GetCycleName())
+            if (later.GetRoadSignName() != first.GetRoadSignName() ||
+                later.GetCycleName() != first.GetCycleName())
                 continue;
             problem(later, "traffic light group \"" + GetName() + "\": second animation of \"" +
-                               later.GetRoadSignName() + "\" in cycle \"" + later.GetCycleName() + "\" is dropped");
+                               later.GetRoadSignName() + "\" in cycle \"" + later.GetCycleName() +
+                               "\" is dropped");
             m_Animations.erase(m_Animations.begin() + static_cast<std::ptrdiff_t>(j));
             m_animations.erase(m_animations.begin() + static_cast<std::ptrdiff_t>(j));
         }
 
-    if (m_CurrentCycle.empty() && !m_animations.empty()) m_CurrentCycle = m_animations.front()->GetCycleName();
+    if (m_CurrentCycle.empty() && !m_animations.empty())
+        m_CurrentCycle = m_animations.front()->GetCycleName();
 
     std::set<std::string> cycles;
     GetCycleCount(cycles);
@@ -546,8 +555,9 @@ void TrafficLightGroup::CopyFrom(const TrafficLightGroup* other) {
 // The sub-network's groups
 
 TrafficLightGroup* SubNetwork::GetTrafficLightGroup(size_t index) const {
-    return index < m_TrafficLightGroups.size() ? dynamic_cast<TrafficLightGroup*>(m_TrafficLightGroups[index].Get())
-                                               : nullptr;
+    return index < m_TrafficLightGroups.size()
+               ? dynamic_cast<TrafficLightGroup*>(m_TrafficLightGroups[index].Get())
+               : nullptr;
 }
 
 TrafficLightGroup* SubNetwork::GetTrafficLightGroup(const std::string& name) const {

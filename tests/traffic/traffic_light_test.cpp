@@ -19,8 +19,8 @@ using Ruvex::CountedPtr;
 
 namespace {
 
-// A crossing with a three-lamp vehicle signal (a countdown on its green lamp) and a two-lamp pedestrian signal
-// run by one group; `group` is the group's inner XML.
+// A crossing with a three-lamp vehicle signal (a countdown on its green lamp) and a two-lamp pedestrian
+// signal run by one group; `group` is the group's inner XML.
 std::string Crossing(const std::string& group, const std::string& version = "2.5") {
     return R"(<Ruvex version=")" + version + R"(" versionRevision="0"><Network name="Town"><SubNetworks>
 <SubNetwork name="Centre"><Intersections><Intersection name="Cross">
@@ -91,9 +91,12 @@ TEST(TrafficLightGroup, TimelineMatchesHandComputedProgramme) {
         double length;
         bool red, orange, green;
     };
-    const std::vector<Step> paper = {
-        {25, false, false, true}, {3.5, false, true, false}, {20, true, false, false}, {1.5, true, true, false}};
-    const std::vector<Step> walking = {{28.5, true, false, false}, {20, false, false, true}, {1.5, true, false, false}};
+    const std::vector<Step> paper = {{25, false, false, true},
+                                     {3.5, false, true, false},
+                                     {20, true, false, false},
+                                     {1.5, true, true, false}};
+    const std::vector<Step> walking = {
+        {28.5, true, false, false}, {20, false, false, true}, {1.5, true, false, false}};
     auto stepAt = [](const std::vector<Step>& steps, double phase, double& end) {
         end = 0.0;
         for (size_t i = 0; i < steps.size(); ++i) {
@@ -127,8 +130,8 @@ TEST(TrafficLightGroup, TimelineMatchesHandComputedProgramme) {
         for (size_t j = (k + 1) % paper.size(); paper[j].red == paper[k].red; j = (j + 1) % paper.size())
             toRedChange += paper[j].length;
         const TrafficLightState* state = vehicles->GetState(k);
-        EXPECT_NEAR(state->GetEndTime() - group->GetAnimationTime() + state->GetTimeToRedChange(), toRedChange,
-                    1e-9);
+        EXPECT_NEAR(state->GetEndTime() - group->GetAnimationTime() + state->GetTimeToRedChange(),
+                    toRedChange, 1e-9);
 
         const size_t w = stepAt(walking, phase, end);
         EXPECT_EQ(walk->GetLight(0)->Illumination(), walking[w].red ? Light::eOn : Light::eOff);
@@ -247,7 +250,8 @@ TEST(Timer, TextIsRoundedCappedAndTwoDigits) {
     EXPECT_DOUBLE_EQ(timer->GetTimeValue(), 99.0);
     EXPECT_EQ(timer->GetTextValue(), "99");
     const std::vector<std::pair<double, std::string>> cases = {
-        {98.5, "99"}, {1e9, "99"}, {0.4, "00"}, {3.6, "04"}, {9.49, "09"}, {-2.0, "-1"}, {-1e300, "-1000000000"}};
+        {98.5, "99"},           {1e9, "99"}, {0.4, "00"}, {3.6, "04"}, {9.49, "09"}, {-2.0, "-1"},
+        {-1e300, "-1000000000"}};
     for (const auto& [value, text] : cases) {
         timer->SetTimeValue(value);
         EXPECT_EQ(timer->GetTextValue(), text) << value;
@@ -300,9 +304,11 @@ TEST(TrafficLightGroup, PostLoadDropsWhatItCannotUseAndWarnsWhere) {
         warnings.push_back(std::to_string(problem.line) + ":" + std::to_string(problem.column) + " " +
                            problem.message);
     ASSERT_EQ(warnings.size(), 3u);
-    EXPECT_NE(warnings[0].find("16:6 traffic light state of time length -4"), std::string::npos) << warnings[0];
+    EXPECT_NE(warnings[0].find("16:6 traffic light state of time length -4"), std::string::npos)
+        << warnings[0];
     EXPECT_NE(warnings[1].find("16:6 unknown illumination \"flash\""), std::string::npos) << warnings[1];
-    EXPECT_NE(warnings[2].find("21:6 traffic light state of time length 0"), std::string::npos) << warnings[2];
+    EXPECT_NE(warnings[2].find("21:6 traffic light state of time length 0"), std::string::npos)
+        << warnings[2];
 
     TrafficLightGroup* group = FirstGroup(network.Get());
     ASSERT_NE(group, nullptr);
@@ -323,7 +329,8 @@ TEST(TrafficLightGroup, PostLoadDropsWhatItCannotUseAndWarnsWhere) {
               std::string::npos);
     EXPECT_NE(problems[2].find("22 traffic light group \"Cross\": second animation of \"North\""),
               std::string::npos);
-    EXPECT_NE(problems[3].find("20 traffic light group \"Cross\": cycle \"Night\" lasts 0"), std::string::npos);
+    EXPECT_NE(problems[3].find("20 traffic light group \"Cross\": cycle \"Night\" lasts 0"),
+              std::string::npos);
 
     // The zero-length cycle runs without dividing by zero; the 0 s state is never active.
     RoadSign* north = Sign(network.Get(), "North");

@@ -59,18 +59,20 @@ double TimeToRedChange(const Orvia::TrafficLightAnimation& animation, double ani
 std::string GroupJson(const Selected& selected) {
     const Orvia::TrafficLightGroup& group = *selected.group;
     const double t = group.GetAnimationTime();
-    std::string out = "{\"subNetwork\": " + Json(selected.subNetwork->GetName()) + ", \"group\": " +
-                      Json(group.GetName()) + ", \"cycle\": " + Json(group.GetCurrentCycle()) +
-                      ", \"period\": " + Number(group.GetCurrentCyclePeriod()) + ", \"time\": " +
-                      Number(group.GetTime()) + ", \"animationTime\": " + Number(t) + ", \"signs\": [";
+    std::string out =
+        "{\"subNetwork\": " + Json(selected.subNetwork->GetName()) + ", \"group\": " + Json(group.GetName()) +
+        ", \"cycle\": " + Json(group.GetCurrentCycle()) +
+        ", \"period\": " + Number(group.GetCurrentCyclePeriod()) + ", \"time\": " + Number(group.GetTime()) +
+        ", \"animationTime\": " + Number(t) + ", \"signs\": [";
     bool firstSign = true;
     for (size_t a = 0; a < group.GetAnimationCount(); ++a) {
         const Orvia::TrafficLightAnimation* animation = group.GetAnimation(a);
         if (animation->GetCycleName() != group.GetCurrentCycle()) continue;
         const size_t state = animation->GetStateIndexForTime(t);
-        out += (firstSign ? "" : ", ") + std::string("{\"sign\": ") + Json(animation->GetRoadSignName()) +
-               ", \"state\": " + (state == Orvia::TrafficLightAnimation::npos ? "null" : std::to_string(state)) +
-               ", \"timeToRedChange\": " + Number(TimeToRedChange(*animation, t)) + ", \"lights\": [";
+        out +=
+            (firstSign ? "" : ", ") + std::string("{\"sign\": ") + Json(animation->GetRoadSignName()) +
+            ", \"state\": " + (state == Orvia::TrafficLightAnimation::npos ? "null" : std::to_string(state)) +
+            ", \"timeToRedChange\": " + Number(TimeToRedChange(*animation, t)) + ", \"lights\": [";
         firstSign = false;
         for (size_t k = 0; k < animation->GetLightCount(); ++k) {
             const Orvia::Light* light = animation->GetLight(k);
@@ -88,10 +90,10 @@ std::string GroupJson(const Selected& selected) {
 void PrintGroupText(const Selected& selected) {
     const Orvia::TrafficLightGroup& group = *selected.group;
     const double t = group.GetAnimationTime();
-    std::printf("%s / %s: cycle %s, period %s, time %s, animation time %s\n", selected.subNetwork->GetName().c_str(),
-                group.GetName().c_str(), group.GetCurrentCycle().c_str(),
-                Number(group.GetCurrentCyclePeriod()).c_str(), Number(group.GetTime()).c_str(),
-                Number(t).c_str());
+    std::printf("%s / %s: cycle %s, period %s, time %s, animation time %s\n",
+                selected.subNetwork->GetName().c_str(), group.GetName().c_str(),
+                group.GetCurrentCycle().c_str(), Number(group.GetCurrentCyclePeriod()).c_str(),
+                Number(group.GetTime()).c_str(), Number(t).c_str());
     for (size_t a = 0; a < group.GetAnimationCount(); ++a) {
         const Orvia::TrafficLightAnimation* animation = group.GetAnimation(a);
         if (animation->GetCycleName() != group.GetCurrentCycle()) continue;
@@ -102,8 +104,8 @@ void PrintGroupText(const Selected& selected) {
         for (size_t k = 0; k < animation->GetLightCount(); ++k) {
             const Orvia::Light* light = animation->GetLight(k);
             const Orvia::Timer* timer = light->GetTimer();
-            std::printf("    %s %s %s timer %s\n", light->GetName().c_str(), Orvia::Light::ToText(light->Color()),
-                        Orvia::Light::ToText(light->Illumination()),
+            std::printf("    %s %s %s timer %s\n", light->GetName().c_str(),
+                        Orvia::Light::ToText(light->Color()), Orvia::Light::ToText(light->Illumination()),
                         timer ? timer->GetTextValue().c_str() : "-");
         }
     }
@@ -154,14 +156,16 @@ int RunLights(const LightsOptions& options) {
             if (!group) continue;
             for (const Orvia::TrafficLightProblem& problem : group->GetProblems())
                 problems.push_back({options.file, problem.line, problem.column, problem.message, true});
-            if (options.group.empty() || group->GetName() == options.group) selected.push_back({subNetwork, group});
+            if (options.group.empty() || group->GetName() == options.group)
+                selected.push_back({subNetwork, group});
         }
     }
     if (!options.group.empty() && selected.empty())
         return Fail(options.file, "no traffic light group named \"" + options.group + "\"");
 
     if (!timeline) {
-        std::string json = "{\"file\": " + Json(options.file) + ", \"at\": " + Number(options.at) + ", \"groups\": [";
+        std::string json =
+            "{\"file\": " + Json(options.file) + ", \"at\": " + Number(options.at) + ", \"groups\": [";
         for (size_t i = 0; i < selected.size(); ++i) {
             selected[i].group->Animate(options.at);
             if (options.json)
@@ -173,8 +177,10 @@ int RunLights(const LightsOptions& options) {
     } else {
         const double from = *options.from;
         const auto steps = static_cast<long long>(std::floor((options.to - from) / options.step + 1e-9));
-        if (options.json) std::printf("{\"file\": %s, \"samples\": [", Json(options.file).c_str());
-        else std::printf("time\tgroup\tsign\tstate\ttimeToRedChange\tlights\n");
+        if (options.json)
+            std::printf("{\"file\": %s, \"samples\": [", Json(options.file).c_str());
+        else
+            std::printf("time\tgroup\tsign\tstate\ttimeToRedChange\tlights\n");
         bool first = true;
         for (long long i = 0; i <= steps; ++i) {
             const double time = from + static_cast<double>(i) * options.step;

@@ -57,7 +57,8 @@ int main(int argc, char** argv) {
     profilesCommand->add_flag("--json", profiles.json, "Print the listing as one JSON object");
 
     OrviaTool::LightsOptions lights;
-    CLI::App* lightsCommand = app.add_subcommand("lights", "Animate traffic-light groups at a time, or over a range.");
+    CLI::App* lightsCommand =
+        app.add_subcommand("lights", "Animate traffic-light groups at a time, or over a range.");
     lightsCommand->add_option("FILE", lights.file, "Network file")->required();
     lightsCommand->add_option("--group", lights.group, "Only the group of this name");
     CLI::Option* at = lightsCommand->add_option("--at", lights.at, "Clock value T");

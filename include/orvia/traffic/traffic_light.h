@@ -154,7 +154,9 @@ public:
     // --- States. `update` recomputes the derived times at once.
     size_t GetStateCount() const { return m_states.size(); }
     // Null out of range.
-    TrafficLightState* GetState(size_t index) const { return index < m_states.size() ? m_states[index] : nullptr; }
+    TrafficLightState* GetState(size_t index) const {
+        return index < m_states.size() ? m_states[index] : nullptr;
+    }
     // Replaces the state at index (false out of range or for null).
     bool SetState(size_t index, TrafficLightState* state, bool update);
     // Inserts before index, or appends when index is npos (or beyond the end). False for null.
@@ -275,7 +277,8 @@ public:
     // The light's animation in the current cycle, or null.
     TrafficLightAnimation* GetCurrentCycleTrafficLightAnimation(const ClippedData* trafficLight) const;
     TrafficLightAnimation* GetCurrentCycleTrafficLightAnimationFromName(const std::string& name) const;
-    TrafficLightAnimation* GetCurrentCycleTrafficLightAnimationFromQualifiedName(const std::string& name) const;
+    TrafficLightAnimation* GetCurrentCycleTrafficLightAnimationFromQualifiedName(
+        const std::string& name) const;
     // Every animation of the light, one per cycle; false when there is none.
     bool GetAllTrafficLightAnimations(const std::string& name,
                                       std::vector<Ruvex::CountedPtr<TrafficLightAnimation>>& out) const;
