@@ -93,10 +93,12 @@ Ruvex::CountedPtr<SubNetwork> MakeCity(size_t junctions) {
                 continue;
             }
             const bool mainAxis = a % 2 == 0;
-            if (!mainAxis) animation->InsertState(state(30, Light::eOn, Light::eOff, Light::eOff), npos, false);
+            if (!mainAxis)
+                animation->InsertState(state(30, Light::eOn, Light::eOff, Light::eOff), npos, false);
             animation->InsertState(state(27, Light::eOff, Light::eOff, Light::eOn), npos, false);
             animation->InsertState(state(3, Light::eOff, Light::eOn, Light::eOff), npos, false);
-            if (mainAxis) animation->InsertState(state(30, Light::eOn, Light::eOff, Light::eOff), npos, false);
+            if (mainAxis)
+                animation->InsertState(state(30, Light::eOn, Light::eOff, Light::eOff), npos, false);
             animation->UpdateTimeValues();
         }
         group->SetOffset(static_cast<double>(j % 60));
