@@ -21,4 +21,10 @@ bool DataConverter::LoadProfile(Ruvex::ProfileElement* record, Ruvex::IDOMElemen
     return record->Ruvex::ProfileElement::LoadFromXMLElement(element, parser);
 }
 
+bool DataConverter::LoadTrafficLightState(Ruvex::TrafficLightStateElement* record,
+                                          Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::TrafficLightStateElement::LoadFromXMLElement(element, parser);
+}
+
 }  // namespace QorOldData

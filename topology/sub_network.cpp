@@ -230,6 +230,7 @@ void SubNetwork::PostLoad(Network* network, [[maybe_unused]] const std::vector<s
     for (const auto* list : {&m_Tracks, &m_JunctionTracks})
         for (const auto& item : *list)
             if (auto* track = dynamic_cast<Track*>(item.Get())) track->PostLoad(this);
+    PostLoadTrafficLightGroups();
 }
 
 vek::Box3 SubNetwork::BuildBoundingBox() const {

@@ -3,6 +3,7 @@
 // The subcommands of the orvia tool. Each returns the process exit code: 0 on success, 1 when the network
 // cannot be read, written or queried (after printing one line "file:line:column: message" to stderr).
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,20 @@ struct ProfilesOptions {
     bool json = false;
 };
 int RunProfiles(const ProfilesOptions& options);
+
+// Each traffic-light group (or the one named) animated at one time: active state, lamps, timers and time to
+// the next red change; or, with `from`, a timeline from `from` to `to` every `step`. Problems of the
+// description follow on stderr as "file:line:column: message" and make the result 1.
+struct LightsOptions {
+    std::string file;
+    std::string group;
+    double at = 0.0;
+    std::optional<double> from;
+    double to = 0.0;
+    double step = 1.0;
+    bool json = false;
+};
+int RunLights(const LightsOptions& options);
 
 // Loads `file` into `network`. A file that does not load, or loads only by overlooking values that do not
 // parse, is bad input: its problems are printed one per line and 1 is returned; 0 otherwise.

@@ -56,11 +56,24 @@ int main(int argc, char** argv) {
     profilesCommand->add_option("FILE", profiles.file, "Network or profile library file")->required();
     profilesCommand->add_flag("--json", profiles.json, "Print the listing as one JSON object");
 
+    OrviaTool::LightsOptions lights;
+    CLI::App* lightsCommand =
+        app.add_subcommand("lights", "Animate traffic-light groups at a time, or over a range.");
+    lightsCommand->add_option("FILE", lights.file, "Network file")->required();
+    lightsCommand->add_option("--group", lights.group, "Only the group of this name");
+    CLI::Option* at = lightsCommand->add_option("--at", lights.at, "Clock value T");
+    CLI::Option* from = lightsCommand->add_option("--from", lights.from, "Start of a timeline");
+    CLI::Option* to = lightsCommand->add_option("--to", lights.to, "End of the timeline");
+    CLI::Option* step = lightsCommand->add_option("--step", lights.step, "Step of the timeline");
+    from->needs(to, step)->excludes(at);
+    lightsCommand->add_flag("--json", lights.json, "Print as one JSON object");
+
     CLI11_PARSE(app, argc, argv);
 
     if (*infoCommand) return OrviaTool::RunInfo(info);
     if (*railCommand) return OrviaTool::RunRail(rail);
     if (*profilesCommand) return OrviaTool::RunProfiles(profiles);
+    if (*lightsCommand) return OrviaTool::RunLights(lights);
     if (*convertCommand) {
         convert.absolutePaths = absolute->count() > 0;
         return OrviaTool::RunConvert(convert);

@@ -5,6 +5,7 @@
 #include <orvia/ruvex/dom.h>
 #include <orvia/ruvex/elements/network.h>
 #include <orvia/ruvex/elements/profile.h>
+#include <orvia/ruvex/elements/traffic.h>
 
 namespace QorOldData {
 
@@ -20,6 +21,9 @@ public:
     // A <Profile> of a document of version 2.0.0 or older; same contract as LoadClothoArc.
     static bool LoadProfile(Ruvex::ProfileElement* record, Ruvex::IDOMElement* element,
                             Ruvex::IDOMParser* parser);
+    // A <TrafficLightState> of a document of version 1.4.9 or older; same contract as LoadClothoArc.
+    static bool LoadTrafficLightState(Ruvex::TrafficLightStateElement* record, Ruvex::IDOMElement* element,
+                                      Ruvex::IDOMParser* parser);
 };
 
 }  // namespace QorOldData

@@ -12,10 +12,12 @@
 
 namespace Orvia {
 
+class ClippedData;
 class ExternalElement;
 class Intersection;
 class Network;
 class Track;
+class TrafficLightGroup;
 
 // Owns the tracks, intersections, profiles, markings and materials of its piece of network (element record).
 // Everything inside refers to its siblings by name; post-load resolves the names. Coordinates inside are in
@@ -57,6 +59,24 @@ public:
     std::string GetUniqueIntersectionName(const std::string& requested) const;
     // Appends a new intersection at `position` named GetUniqueIntersectionName(requested).
     Intersection* CreateIntersection(const vek::Vector3& position, const std::string& requested);
+
+    // Traffic-light groups, with the same conventions (the traffic module defines these). Removal by pointer
+    // looks the index up first; a removed or cleared group forgets this sub-network.
+    size_t GetTrafficLightGroupCount() const { return m_TrafficLightGroups.size(); }
+    TrafficLightGroup* GetTrafficLightGroup(size_t index) const;
+    TrafficLightGroup* GetTrafficLightGroup(const std::string& name) const;
+    size_t GetTrafficLightGroupIndex(const TrafficLightGroup* group) const;
+    // Appends a new empty group of this sub-network named `name`.
+    TrafficLightGroup* CreateTrafficLightGroup(const std::string& name);
+    // Appends `group` (null ignored) and makes it this sub-network's.
+    void AddTrafficLightGroup(TrafficLightGroup* group);
+    bool RemoveTrafficLightGroup(size_t index);
+    bool RemoveTrafficLightGroup(TrafficLightGroup* group);
+    void ClearTrafficLightGroup();
+    // The first clipped data of that name held by the intersections, in order; null when none.
+    ClippedData* GetClippedDataByName(const std::string& name) const;
+    // Resolves every traffic-light group (part of PostLoad).
+    void PostLoadTrafficLightGroups();
 
     // Files; null when absent.
     ExternalElement* GetProxyFile() const;
