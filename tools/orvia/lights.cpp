@@ -128,7 +128,7 @@ int RunLights(const LightsOptions& options) {
         return 1;
     }
     Orvia::Init(Ruvex::Encoding::GetMode());
-    Ruvex::CountedPtr<Orvia::Network> network(Orvia::Network::Load(Printable(options.file).c_str(), {}));
+    Ruvex::CountedPtr<Orvia::Network> network(Orvia::Network::Load(options.file.c_str(), {}));
     if (!network) return Fail(options.file, "the file holds no network");
     std::vector<Ruvex::Problem> problems = Ruvex::GetLastProblems();
 
