@@ -33,4 +33,16 @@ bool DataConverter::LoadProfile(Ruvex::ProfileElement* record, Ruvex::IDOMElemen
     return record->Ruvex::ProfileElement::LoadFromXMLElement(element, parser);
 }
 
+bool DataConverter::LoadTrack(Ruvex::TrackElement* record, Ruvex::IDOMElement* element,
+                              Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::TrackElement::LoadFromXMLElement(element, parser);
+}
+
+bool DataConverter::LoadPortion(Ruvex::PortionElement* record, Ruvex::IDOMElement* element,
+                                Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::PortionElement::LoadFromXMLElement(element, parser);
+}
+
 }  // namespace QorOldData

@@ -5,7 +5,9 @@
 #include <orvia/ruvex/dom.h>
 #include <orvia/ruvex/elements/curves.h>
 #include <orvia/ruvex/elements/network.h>
+#include <orvia/ruvex/elements/portion.h>
 #include <orvia/ruvex/elements/profile.h>
+#include <orvia/ruvex/elements/track.h>
 
 namespace QorOldData {
 
@@ -26,6 +28,11 @@ public:
     static bool LoadRoad(Ruvex::RoadElement* record, Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
     // A <Profile> of a document of version 2.0.0 or older; same contract as LoadClothoArc.
     static bool LoadProfile(Ruvex::ProfileElement* record, Ruvex::IDOMElement* element,
+                            Ruvex::IDOMParser* parser);
+    // A <Track> of a document of version 2.1.0 or older; same contract as LoadClothoArc.
+    static bool LoadTrack(Ruvex::TrackElement* record, Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
+    // A <Portion> of a document older than 1.4.6; same contract as LoadClothoArc.
+    static bool LoadPortion(Ruvex::PortionElement* record, Ruvex::IDOMElement* element,
                             Ruvex::IDOMParser* parser);
 };
 
