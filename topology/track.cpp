@@ -538,6 +538,90 @@ void Track::InvertTrack(bool keepWay) {
     InvertPortionsProfiles(keepWay, true, true);
 }
 
+namespace {
+
+// Keeps the part of `curve` before s (keepBefore) or after it, the latter moved to start at abscissa 0.
+void CutLongitudinal(CartesianCurve& curve, double s, bool keepBefore) {
+    if (curve.GetFunctionCount() == 0) return;
+    const size_t index = curve.GetFunctionIndexAt(s);
+    curve.SplitFunction(index, s);
+    // The piece ending at s, after the cut.
+    size_t last = curve.GetFunctionIndexAt(s);
+    if (const PolynomialFunction* f = curve.GetFunction(last); f && f->GetXMax() < s && last + 1 < curve.GetFunctionCount())
+        ++last;
+    if (keepBefore) {
+        if (last + 1 < curve.GetFunctionCount()) curve.RemoveFunction(last + 1, curve.GetFunctionCount() - last - 1);
+        return;
+    }
+    const PolynomialFunction* f = curve.GetFunction(last);
+    const size_t first = f && f->GetXMax() <= s && last + 1 < curve.GetFunctionCount() ? last + 1 : last;
+    if (first > 0) curve.RemoveFunction(0, first);
+    curve.Offset({-s, 0});
+}
+
+}  // namespace
+
+Axis* Track::Split(double s) {
+    if (!Validate()) return nullptr;
+    const double length = GetXYLength();
+    if (!(s > 0 && s < length)) return nullptr;
+    Ruvex::CountedPtr<Track> second(Clone());
+    second->SetName(m_subNetwork ? m_subNetwork->GetUniqueTrackName(m_name) : m_name);
+    // Horizontal: the pieces keep their placement, so the second part starts where the first now ends.
+    Curve2D* xy = second->GetXYCurve();
+    double pieceStart = 0;
+    const size_t index = xy->GetFunctionIndex(s, pieceStart);
+    const ParametricFunction* piece = xy->GetFunction(index);
+    const double pieceLength = piece ? piece->GetLength() : 0.0;
+    size_t drop = index;
+    if (pieceLength > 0 && s - pieceStart > Curve2D::kLengthTolerance &&
+        xy->SplitFunction(index, (s - pieceStart) / pieceLength))
+        drop = index + 1;
+    else if (pieceLength > 0 && pieceStart + pieceLength - s <= Curve2D::kLengthTolerance)
+        drop = index + 1;
+    if (drop > 0) xy->RemoveFunction(0, drop);
+    SetXYLength(s);
+    // Longitudinal curves, defaults included, so that both halves keep the original's profile.
+    using Slot = Ruvex::CountedPtr<Ruvex::CartesianCurveElement> Track::*;
+    const Slot slots[] = {&Track::m_SZCurve, &Track::m_BankingCurve, &Track::m_SZCurvatureCurve};
+    CartesianCurve* sources[] = {GetSZCurve(), GetBankingCurve(), GetSZCurvatureCurve()};
+    for (size_t i = 0; i < 3; ++i) {
+        if (!sources[i]) continue;
+        Ruvex::CountedPtr<CartesianCurve> before(sources[i]->Clone());
+        Ruvex::CountedPtr<CartesianCurve> after(sources[i]->Clone());
+        CutLongitudinal(*before, s, true);
+        CutLongitudinal(*after, s, false);
+        this->*slots[i] = before.Get();
+        second.Get()->*slots[i] = after.Get();
+    }
+    // Portions: the one holding s is cut in two.
+    const size_t at = GetPortionIndexAt(s);
+    if (at != npos) {
+        const bool onEnd = m_Portions[at] && m_Portions[at]->GetEndDistance() <= s;
+        if (at + 1 < m_Portions.size())
+            m_Portions.erase(m_Portions.begin() + static_cast<std::ptrdiff_t>(at) + 1, m_Portions.end());
+        m_Portions[at]->SetEndDistance(s);
+        auto& theirs = second->m_Portions;
+        theirs.erase(theirs.begin(), theirs.begin() + static_cast<std::ptrdiff_t>(onEnd ? at + 1 : at));
+        for (auto& portion : theirs) portion->SetEndDistance(portion->GetEndDistance() - s);
+        if (!theirs.empty()) theirs.back()->SetEndDistance(length - s);
+    }
+    second->m_startIntersection = nullptr;
+    second->m_StartIntersectionName.clear();
+    m_endIntersection = nullptr;
+    m_EndIntersectionName.clear();
+    UpdatePortion();
+    second->SetSubNetwork(m_subNetwork);
+    second->UpdatePortion();
+    second->SetSubNetwork(nullptr);
+    // Handed over with count 0, like Clone.
+    Track* result = second.Get();
+    result->AddRef();
+    second = nullptr;
+    result->SetRefCount(0);
+    return result;
+}
+
 Track* Track::Clone() const {
     auto* copy = new Track;
     copy->CopyFrom(this);

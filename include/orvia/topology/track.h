@@ -154,8 +154,9 @@ public:
     Portion* GetFirstPortion() const { return GetPortion(0); }
     Portion* GetLastPortion() const { return m_portions.empty() ? nullptr : m_portions.back(); }
     size_t GetPortionIndex(const Portion* portion) const;
-    // Bisection over the end distances: an abscissa on a boundary belongs to the portion that ends there, one
-    // past the last end to the last portion, one below 0 to the first. npos without portions.
+    // Bisection over the end distances from the middle portion: an abscissa on a shared end goes to the
+    // portion on the side the search meets it from (the middle portion keeps its own end), one past the last
+    // end to the last portion, one below 0 to the first. npos without portions.
     size_t GetPortionIndexAt(double s) const;
     Portion* GetPortionAt(double s) const { return GetPortion(GetPortionIndexAt(s)); }
     // Start distance of portion `index` (the end of the one before; 0 for the first).
