@@ -39,7 +39,8 @@ BorderOffset* BorderOffset::Clone() const {
 BorderModifier::~BorderModifier() = default;
 
 BorderOffset* BorderModifier::GetBorderOffset(size_t index) const {
-    return index < m_BorderOffsets.size() ? dynamic_cast<BorderOffset*>(m_BorderOffsets[index].Get()) : nullptr;
+    return index < m_BorderOffsets.size() ? dynamic_cast<BorderOffset*>(m_BorderOffsets[index].Get())
+                                          : nullptr;
 }
 
 void BorderModifier::setBorderOffset(size_t index, BorderOffset* offset) {
@@ -175,8 +176,8 @@ std::vector<size_t> ProfileModifier::GetBorderModifierIds() const {
     return ids;
 }
 
-BorderModifier* ProfileModifier::CreateOrUpdateBorderModifier(size_t id, double t, double yOffset, double dirIn,
-                                                              double dirOut) {
+BorderModifier* ProfileModifier::CreateOrUpdateBorderModifier(size_t id, double t, double yOffset,
+                                                              double dirIn, double dirOut) {
     BorderModifier* modifier = GetBorderModifierById(id);
     if (!modifier) {
         modifier = new BorderModifier;

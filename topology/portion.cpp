@@ -17,7 +17,8 @@ constexpr uint32_t kPortionLegacyVersion = Ruvex::MakeVersionID(1, 4, 6);
 std::pair<double, double> BorderPosition(const Profile* profile, size_t index) {
     if (!profile || profile->GetLaneBorderCount() == 0) return {0, 0};
     const LaneBorder* border = profile->GetLaneBorder(std::min(index, profile->GetLaneBorderCount() - 1));
-    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis()) : std::pair(0.0, 0.0);
+    return border ? std::pair(border->GetHorizDistToAxis(), border->GetVertDistToAxis())
+                  : std::pair(0.0, 0.0);
 }
 
 double FirstBorderOffset(const Profile* profile) {

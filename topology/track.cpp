@@ -54,8 +54,9 @@ CrossValues CrossOfProfile(const Profile* profile, double t) {
     if (!lane) return {};
     const LaneBorder* left = lane->GetLeftKey();
     const LaneBorder* right = lane->GetRightKey();
-    return CrossFromBorders(t, left ? left->GetHorizDistToAxis() : 0.0, left ? left->GetVertDistToAxis() : 0.0,
-                            right ? right->GetHorizDistToAxis() : 0.0, right ? right->GetVertDistToAxis() : 0.0);
+    return CrossFromBorders(t, left ? left->GetHorizDistToAxis() : 0.0,
+                            left ? left->GetVertDistToAxis() : 0.0, right ? right->GetHorizDistToAxis() : 0.0,
+                            right ? right->GetVertDistToAxis() : 0.0);
 }
 
 // A modified portion: the borders are blended first (a modified one follows its modifier), then the lane at
@@ -201,7 +202,8 @@ bool Track::Validate() {
         for (const Portion* portion : m_portions) {
             if (!portion) continue;
             for (const Profile* profile : {portion->GetStartProfile(), portion->GetEndProfile()})
-                m_maxWidth = std::max({m_maxWidth, std::fabs(FirstOffset(profile)), std::fabs(LastOffset(profile))});
+                m_maxWidth =
+                    std::max({m_maxWidth, std::fabs(FirstOffset(profile)), std::fabs(LastOffset(profile))});
         }
         m_trackValid = true;
         SetBoundingMargin(m_maxWidth);
@@ -361,7 +363,8 @@ bool Track::GetWidthAt(double s, double& left, double& right) const {
     const Profile* b = portion->GetEndProfile();
     left = (1 - r) * FirstOffset(a) + r * FirstOffset(b);
     right = (1 - r) * LastOffset(a) + r * LastOffset(b);
-    if (const BorderModifier* first = portion->GetModifiedBorder(0)) left = first->GetDistanceFromAxis(s - start);
+    if (const BorderModifier* first = portion->GetModifiedBorder(0))
+        left = first->GetDistanceFromAxis(s - start);
     if (const BorderModifier* last = portion->GetModifiedBorder(portion->GetLastBorderId()))
         right = last->GetDistanceFromAxis(s - start);
     return true;
@@ -547,10 +550,12 @@ void CutLongitudinal(CartesianCurve& curve, double s, bool keepBefore) {
     curve.SplitFunction(index, s);
     // The piece ending at s, after the cut.
     size_t last = curve.GetFunctionIndexAt(s);
-    if (const PolynomialFunction* f = curve.GetFunction(last); f && f->GetXMax() < s && last + 1 < curve.GetFunctionCount())
+    if (const PolynomialFunction* f = curve.GetFunction(last);
+        f && f->GetXMax() < s && last + 1 < curve.GetFunctionCount())
         ++last;
     if (keepBefore) {
-        if (last + 1 < curve.GetFunctionCount()) curve.RemoveFunction(last + 1, curve.GetFunctionCount() - last - 1);
+        if (last + 1 < curve.GetFunctionCount())
+            curve.RemoveFunction(last + 1, curve.GetFunctionCount() - last - 1);
         return;
     }
     const PolynomialFunction* f = curve.GetFunction(last);
@@ -603,7 +608,8 @@ Axis* Track::Split(double s) {
         m_Portions[at]->SetEndDistance(s);
         auto& theirs = second->m_Portions;
         theirs.erase(theirs.begin(), theirs.begin() + static_cast<std::ptrdiff_t>(onEnd ? at + 1 : at));
-        for (auto& portion : theirs) portion->SetEndDistance(portion->GetEndDistance() - s);
+        for (auto& portion : theirs)
+            portion->SetEndDistance(portion->GetEndDistance() - s);
         if (!theirs.empty()) theirs.back()->SetEndDistance(length - s);
     }
     second->m_startIntersection = nullptr;
@@ -653,7 +659,8 @@ void Track::CopyFrom(const Track* other) {
     m_roadCategory = other->m_roadCategory;
     m_curvatureStep = other->m_curvatureStep;
     RefreshPortionView();
-    for (Portion* portion : m_portions) portion->PostLoad(this);
+    for (Portion* portion : m_portions)
+        portion->PostLoad(this);
     Invalidate();
     Validate();
 }
@@ -685,8 +692,9 @@ bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* p
     ClearUserData();
     Invalidate();
     const uint32_t version = parser->GetVersion();
-    const bool loaded = version <= kLegacyVersion ? QorOldData::DataConverter::LoadTrack(this, element, parser)
-                                                  : TrackElement::LoadFromXMLElement(element, parser);
+    const bool loaded = version <= kLegacyVersion
+                            ? QorOldData::DataConverter::LoadTrack(this, element, parser)
+                            : TrackElement::LoadFromXMLElement(element, parser);
     // Saving writes the current version, so the sign is corrected once, here.
     if (version < kBankingSignVersion)
         if (CartesianCurve* banking = As<CartesianCurve>(m_BankingCurve.Get())) banking->InvertY();

@@ -54,7 +54,8 @@ std::string ProfileXml(const std::string& name, double h0, double h1, double h2,
 }
 
 // Straight along +x, z = 10 + 0.05 s, banking 0.1; portions [0, 40] A -> B and [40, 100] B -> B.
-const std::string kStraight = "<Profiles>" + ProfileXml("A", 0.2, 0, 0, 0.3) + ProfileXml("B", 0.4, 0, 0, 0.3) +
+const std::string kStraight = "<Profiles>" + ProfileXml("A", 0.2, 0, 0, 0.3) +
+                              ProfileXml("B", 0.4, 0, 0, 0.3) +
                               R"(</Profiles><Tracks><Track name="T"><XYCurve><Segment length="100"/></XYCurve>
 <SZCurve><Polynomial xIn="0" yIn="10" derivativeIn="0.05" xOut="100" yOut="15" derivativeOut="0.05"/></SZCurve>
 <BankingCurve><Polynomial xIn="0" yIn="0.1" xOut="100" yOut="0.1"/></BankingCurve>
@@ -100,9 +101,10 @@ TEST(Track, MarkOnStraightBankedAxisBlendsLaneValues) {
     ExpectMark(*track, 20, 0, {20, 0, 11, 0, -0.05, 0});
     // The boundary belongs to the second portion (r = 0: B); the first ends with B as well.
     ExpectMark(*track, 40, -1.75, {40, 1.75, z(40, -1.75) + bLeft.height, b + bLeft.slope, -0.05, 0});
-    ExpectMark(*track, 40 - 1e-9, -1.75,
-               {40 - 1e-9, 1.75, z(40 - 1e-9, -1.75) + bLeft.height - 1e-9 / 40 * (bLeft.height - aLeft.height),
-                b + bLeft.slope - 1e-9 / 40 * (bLeft.slope - aLeft.slope), -0.05, 0});
+    ExpectMark(
+        *track, 40 - 1e-9, -1.75,
+        {40 - 1e-9, 1.75, z(40 - 1e-9, -1.75) + bLeft.height - 1e-9 / 40 * (bLeft.height - aLeft.height),
+         b + bLeft.slope - 1e-9 / 40 * (bLeft.slope - aLeft.slope), -0.05, 0});
     // Right lane [3.5, 7] (heights 0, 0.3) at t = 5: |t| / w >= 1 and t - left < left, so the left height.
     ExpectMark(*track, 70, 5, {70, -5, z(70, 5) + 0, b - 0.3 / 3.5, -0.05, 0});
     // On the border at 3.5: the lane on its left ([0, 3.5], flat), |t| / w = 1 so the right height (0).
@@ -140,7 +142,8 @@ TEST(Track, MarkOnCircularAxis) {
 }
 
 TEST(Track, BankingSignGateAndRoundTrip) {
-    const std::string content = "<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + R"(</Profiles><Tracks><Track name="T">
+    const std::string content =
+        "<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + R"(</Profiles><Tracks><Track name="T">
 <XYCurve><Segment length="50"/></XYCurve>
 <BankingCurve><Polynomial xIn="0" yIn="0.05" xOut="50" yOut="0.05"/></BankingCurve>
 <Portion endDistance="50" startProfileName="A" endProfileName="A"/></Track></Tracks>)";
@@ -151,7 +154,8 @@ TEST(Track, BankingSignGateAndRoundTrip) {
     EXPECT_DOUBLE_EQ(current->GetSubNetwork(0)->GetTrack(0)->GetBanking(10), 0.05);
 
     // Saved at the current version, the corrected sign stays corrected; marks come back bit for bit.
-    const std::string path = (std::filesystem::temp_directory_path() / "orvia_track_banking_gate.xml").string();
+    const std::string path =
+        (std::filesystem::temp_directory_path() / "orvia_track_banking_gate.xml").string();
     ASSERT_TRUE(old->Save(path.c_str()));
     CountedPtr<Network> again(Network::Load(path.c_str(), {}));
     std::filesystem::remove(path);
@@ -192,7 +196,8 @@ TEST(Track, RoundTripOfDataFileKeepsMarksBitForBit) {
 
 TEST(Track, PortionIndexAtEdges) {
     CountedPtr<Track> track(new Track);
-    for (double end : {10.0, 20.0, 30.0, 40.0, 50.0}) track->AddToPortionList()->SetEndDistance(end);
+    for (double end : {10.0, 20.0, 30.0, 40.0, 50.0})
+        track->AddToPortionList()->SetEndDistance(end);
     const size_t npos = Track::npos;
     struct Case {
         double s;
@@ -200,9 +205,9 @@ TEST(Track, PortionIndexAtEdges) {
     };
     // A shared end goes to the side the bisection meets it from: 10 and 20 to the portion starting there,
     // 30 (the middle's end) and 40 to the one ending there.
-    for (const Case& c : {Case{-5, 0}, Case{0, 0}, Case{9.99, 0}, Case{10, 1}, Case{19.5, 1}, Case{20, 2},
-                          Case{29.9, 2}, Case{30, 2}, Case{30.1, 3}, Case{40, 3}, Case{45, 4}, Case{50, 4},
-                          Case{1e9, 4}})
+    for (const Case& c :
+         {Case{-5, 0}, Case{0, 0}, Case{9.99, 0}, Case{10, 1}, Case{19.5, 1}, Case{20, 2}, Case{29.9, 2},
+          Case{30, 2}, Case{30.1, 3}, Case{40, 3}, Case{45, 4}, Case{50, 4}, Case{1e9, 4}})
         EXPECT_EQ(track->GetPortionIndexAt(c.s), c.index) << c.s;
     EXPECT_LT(track->GetPortionIndexAt(std::numeric_limits<double>::quiet_NaN()), 5u);
     // Shorter lists, including the ones where the middle is the last.
@@ -220,8 +225,9 @@ TEST(Track, PortionIndexAtEdges) {
 }
 
 TEST(Portion, ProfilesFallBackAndInterpolate) {
-    CountedPtr<Network> network = LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) +
-                                              ProfileXml("B", 0, 0, 0, 0) + R"(</Profiles><Tracks><Track name="T">
+    CountedPtr<Network> network =
+        LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + ProfileXml("B", 0, 0, 0, 0) +
+                    R"(</Profiles><Tracks><Track name="T">
 <XYCurve><Segment length="60"/></XYCurve>
 <Portion endDistance="20" startProfileName="Missing" endProfileName="B"/>
 <Portion endDistance="20" startProfileName="B" endProfileName="A"/>
@@ -262,7 +268,8 @@ TEST(Portion, ProfilesFallBackAndInterpolate) {
 
 TEST(Portion, ModifiedBorderBendsWidthAndMark) {
     // Flat 3-lane profile with the right border raised 0.3 m; the right border drifts out by 1.5 m.
-    const std::string content = "<Profiles>" + ProfileXml("A", 0, 0, 0, 0.3) + R"(</Profiles><Tracks><Track name="T">
+    const std::string content =
+        "<Profiles>" + ProfileXml("A", 0, 0, 0, 0.3) + R"(</Profiles><Tracks><Track name="T">
 <XYCurve><Segment length="80"/></XYCurve>
 <Portion endDistance="80" startProfileName="A" endProfileName="A"><ProfileModifier>
   <BorderModifier id="3"><BorderOffset t="0" yOffset="0" dirIn="0.01875" dirOut="0.01875"/>
@@ -416,7 +423,8 @@ TEST(Track, SplitHalvesSampleAsTheOriginal) {
 }
 
 TEST(SubNetwork, InverseProfileNameToggle) {
-    CountedPtr<Network> network = LoadNetwork("<Profiles>" + ProfileXml("P Invert", 0, 0.1, 0, 0.2) + "</Profiles>");
+    CountedPtr<Network> network =
+        LoadNetwork("<Profiles>" + ProfileXml("P Invert", 0, 0.1, 0, 0.2) + "</Profiles>");
     SubNetwork* s = network->GetSubNetwork(0);
     Orvia::Profile* p = s->GetProfile(0);
     EXPECT_EQ(s->GetOrCreateInverse(nullptr, true), nullptr);

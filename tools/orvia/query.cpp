@@ -25,7 +25,8 @@ constexpr size_t kMaxSuggestions = 5;
 
 size_t EditDistance(const std::string& a, const std::string& b) {
     std::vector<size_t> row(b.size() + 1);
-    for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
+    for (size_t j = 0; j <= b.size(); ++j)
+        row[j] = j;
     for (size_t i = 1; i <= a.size(); ++i) {
         size_t diagonal = row[0];
         row[0] = i;
@@ -54,7 +55,8 @@ Sample Query(const Orvia::Track& track, double s, double t, bool& ok) {
         const double r = portion->ConvertToZeroOneCoeff(s);
         // The lane of the profile the point is nearer to.
         const Orvia::Profile* profile = r < 0.5 ? portion->GetStartProfile() : portion->GetEndProfile();
-        if (const Orvia::Lane* lane = profile ? profile->GetLaneWithDistance(t) : nullptr) sample.lane = lane->GetName();
+        if (const Orvia::Lane* lane = profile ? profile->GetLaneWithDistance(t) : nullptr)
+            sample.lane = lane->GetName();
     }
     return sample;
 }
@@ -62,19 +64,21 @@ Sample Query(const Orvia::Track& track, double s, double t, bool& ok) {
 void Print(const Sample& sample, double t, bool json, bool first) {
     const vek::Mark& m = sample.mark;
     if (json) {
-        std::printf("%s{\"s\": %.17g, \"t\": %.17g, \"x\": %.17g, \"y\": %.17g, \"z\": %.17g, \"heading\": %.17g, "
-                    "\"pitch\": %.17g, \"roll\": %.17g, \"lane\": %s, \"portion\": ",
-                    first ? "" : ", ", sample.s, t, m.position.x, m.position.y, m.position.z, m.yaw, m.pitch, m.roll,
-                    sample.lane.empty() ? "null" : JsonQuoted(sample.lane).c_str());
+        std::printf(
+            "%s{\"s\": %.17g, \"t\": %.17g, \"x\": %.17g, \"y\": %.17g, \"z\": %.17g, \"heading\": %.17g, "
+            "\"pitch\": %.17g, \"roll\": %.17g, \"lane\": %s, \"portion\": ",
+            first ? "" : ", ", sample.s, t, m.position.x, m.position.y, m.position.z, m.yaw, m.pitch, m.roll,
+            sample.lane.empty() ? "null" : JsonQuoted(sample.lane).c_str());
         if (sample.portion == Orvia::Track::npos)
             std::printf("null}");
         else
             std::printf("%zu}", sample.portion);
         return;
     }
-    std::printf("s %.6f  t %.6f  x %.6f  y %.6f  z %.6f  heading %.9f  pitch %.9f  roll %.9f  lane %s  portion ",
-                sample.s, t, m.position.x, m.position.y, m.position.z, m.yaw, m.pitch, m.roll,
-                sample.lane.empty() ? "-" : Printable(sample.lane).c_str());
+    std::printf(
+        "s %.6f  t %.6f  x %.6f  y %.6f  z %.6f  heading %.9f  pitch %.9f  roll %.9f  lane %s  portion ",
+        sample.s, t, m.position.x, m.position.y, m.position.z, m.yaw, m.pitch, m.roll,
+        sample.lane.empty() ? "-" : Printable(sample.lane).c_str());
     if (sample.portion == Orvia::Track::npos)
         std::printf("-\n");
     else
@@ -117,7 +121,8 @@ int RunQuery(const QueryOptions& options) {
     if (options.step > 0) {
         const double length = track->GetXYLength();
         const auto count = static_cast<size_t>(std::floor(length / options.step));
-        for (size_t i = 0; i <= count; ++i) abscissas.push_back(static_cast<double>(i) * options.step);
+        for (size_t i = 0; i <= count; ++i)
+            abscissas.push_back(static_cast<double>(i) * options.step);
         if (abscissas.back() < length) abscissas.push_back(length);
     } else {
         abscissas.push_back(options.s);
@@ -129,8 +134,8 @@ int RunQuery(const QueryOptions& options) {
         const Sample sample = Query(*track, s, options.t, ok);
         if (!ok) {
             if (options.json) std::printf("]}\n");
-            std::fprintf(stderr, "%s: track %s has no horizontal curve to query\n", Printable(options.file).c_str(),
-                         Printable(track->GetName()).c_str());
+            std::fprintf(stderr, "%s: track %s has no horizontal curve to query\n",
+                         Printable(options.file).c_str(), Printable(track->GetName()).c_str());
             return 1;
         }
         Print(sample, options.t, options.json, first);

@@ -30,7 +30,8 @@ public:
     static bool LoadProfile(Ruvex::ProfileElement* record, Ruvex::IDOMElement* element,
                             Ruvex::IDOMParser* parser);
     // A <Track> of a document of version 2.1.0 or older; same contract as LoadClothoArc.
-    static bool LoadTrack(Ruvex::TrackElement* record, Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
+    static bool LoadTrack(Ruvex::TrackElement* record, Ruvex::IDOMElement* element,
+                          Ruvex::IDOMParser* parser);
     // A <Portion> of a document older than 1.4.6; same contract as LoadClothoArc.
     static bool LoadPortion(Ruvex::PortionElement* record, Ruvex::IDOMElement* element,
                             Ruvex::IDOMParser* parser);

@@ -5,8 +5,8 @@
 #include <orvia/core/user_data.h>
 #include <orvia/geometry/axis.h>
 #include <orvia/ruvex/elements/track.h>
-#include <orvia/vek/mark.h>
 #include <orvia/vek/box.h>
+#include <orvia/vek/mark.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -81,7 +81,8 @@ public:
     explicit Track(SubNetwork* subNetwork);
     ~Track() override;
 
-    // --- Axis ------------------------------------------------------------------------------------------------
+    // --- Axis
+    // ------------------------------------------------------------------------------------------------
     Curve2D* GetXYCurve() const override;
     CartesianCurve* GetSZCurve() const override;
     CartesianCurve* GetBankingCurve() const override;
@@ -150,7 +151,9 @@ public:
     // directly, call UpdatePortion.
     Portion* AddToPortionList();
     size_t GetPortionCount() const { return m_portions.size(); }
-    Portion* GetPortion(size_t index) const { return index < m_portions.size() ? m_portions[index] : nullptr; }
+    Portion* GetPortion(size_t index) const {
+        return index < m_portions.size() ? m_portions[index] : nullptr;
+    }
     Portion* GetFirstPortion() const { return GetPortion(0); }
     Portion* GetLastPortion() const { return m_portions.empty() ? nullptr : m_portions.back(); }
     size_t GetPortionIndex(const Portion* portion) const;
@@ -188,8 +191,9 @@ public:
     double GetMaxWidth() const { return m_maxWidth; }
     double GetBanking(double s) const;
 
-    // --- Editing ---------------------------------------------------------------------------------------------
-    // The amount (capped at half the length) is taken off the end, or off the start with fromStart; with
+    // --- Editing
+    // --------------------------------------------------------------------------------------------- The
+    // amount (capped at half the length) is taken off the end, or off the start with fromStart; with
     // cutElevation the elevation pieces beyond the new end go.
     void ShortenLength(double amount, bool fromStart, bool cutElevation);
     // Runs the track backwards: the axis, then each portion from the last to the first exchanges (and with
