@@ -5,6 +5,7 @@
 #include <orvia/geometry/cartesian_curve.h>
 #include <orvia/geometry/curve2d.h>
 #include <orvia/geometry/profile.h>
+#include <orvia/ruvex/factory.h>
 #include <orvia/topology/connector.h>
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/portion.h>
@@ -706,9 +707,12 @@ bool Track::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {
     if (!child || !parser) return false;
     const std::string_view tag = child->GetTagName();
     // A second curve of one kind is kept as read, not taken as the curve.
+    // Asked of the factory first, so that a host's class is used when it is a runtime curve.
     if (tag == "XYCurve") {
         if (m_XYCurve) return false;
-        Ruvex::CountedPtr<Curve2D> curve(new Curve2D);
+        Ruvex::CountedPtr<Ruvex::Element> made(Ruvex::CreateElement(std::string(tag)));
+        Ruvex::CountedPtr<Curve2D> curve(As<Curve2D>(made.Get()));
+        if (!curve) curve = new Curve2D;
         if (!curve->LoadFromXMLElement(child, parser)) return false;
         m_XYCurve = curve.Get();
         return true;
@@ -717,7 +721,9 @@ bool Track::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {
         Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& slot =
             tag == "SZCurve" ? m_SZCurve : (tag == "BankingCurve" ? m_BankingCurve : m_SZCurvatureCurve);
         if (slot) return false;
-        Ruvex::CountedPtr<CartesianCurve> curve(new CartesianCurve(std::string(tag)));
+        Ruvex::CountedPtr<Ruvex::Element> made(Ruvex::CreateElement(std::string(tag)));
+        Ruvex::CountedPtr<CartesianCurve> curve(As<CartesianCurve>(made.Get()));
+        if (!curve) curve = new CartesianCurve(std::string(tag));
         if (!curve->LoadFromXMLElement(child, parser)) return false;
         slot = curve.Get();
         return true;
