@@ -27,4 +27,16 @@ bool DataConverter::LoadTrafficLightState(Ruvex::TrafficLightStateElement* recor
     return record->Ruvex::TrafficLightStateElement::LoadFromXMLElement(element, parser);
 }
 
+bool DataConverter::LoadTrack(Ruvex::TrackElement* record, Ruvex::IDOMElement* element,
+                              Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::TrackElement::LoadFromXMLElement(element, parser);
+}
+
+bool DataConverter::LoadPortion(Ruvex::PortionElement* record, Ruvex::IDOMElement* element,
+                                Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::PortionElement::LoadFromXMLElement(element, parser);
+}
+
 }  // namespace QorOldData

@@ -258,4 +258,42 @@ void SubNetwork::SymmetrizeRespectYAxis() {
         m_PhysicalSurfaceElement->SetFlipped(!m_PhysicalSurfaceElement->GetFlipped());
 }
 
+// ---- Profiles
+
+Profile* SubNetwork::GetProfile(size_t index) const {
+    return At<Profile>(m_Profiles, index);
+}
+
+Profile* SubNetwork::GetProfileByName(const std::string& name) const {
+    return Named<Profile>(m_Profiles, name);
+}
+
+void SubNetwork::AddProfile(Profile* profile) {
+    if (!profile) return;
+    profile->SetParentSubNetwork(this);
+    m_Profiles.push_back(profile);
+}
+
+namespace {
+
+// Removes the last occurrence of `suffix`, or appends it when there is none.
+std::string ToggleSuffix(std::string name, const std::string& suffix) {
+    const size_t at = name.rfind(suffix);
+    if (at == std::string::npos) return name + suffix;
+    return name.erase(at, suffix.size());
+}
+
+}  // namespace
+
+Profile* SubNetwork::GetOrCreateInverse(Profile* profile, bool keepWay) {
+    if (!profile) return nullptr;
+    Ruvex::CountedPtr<Profile> copy(profile->Clone());
+    copy->Invert(keepWay);
+    for (size_t i = 0; i < m_Profiles.size(); ++i)
+        if (Profile* existing = GetProfile(i); existing && existing->IsEqual(copy.Get())) return existing;
+    copy->SetName(ToggleSuffix(profile->GetName(), keepWay ? " Invert" : " ch way"));
+    AddProfile(copy.Get());
+    return copy.Get();
+}
+
 }  // namespace Orvia

@@ -71,6 +71,19 @@ struct LightsOptions {
 };
 int RunLights(const LightsOptions& options);
 
+// The frame of track `track` at (s, t) (or sampled every `step` metres from 0 to its length when step > 0):
+// x, y, z, heading, pitch, roll, the lane at t and the portion index. 1 when the track is not found (the
+// closest names the file holds are printed) or has no horizontal curve.
+struct QueryOptions {
+    std::string file;
+    std::string track;
+    double s = 0;
+    double t = 0;
+    double step = 0;
+    bool json = false;
+};
+int RunQuery(const QueryOptions& options);
+
 // Loads `file` into `network`. A file that does not load, or loads only by overlooking values that do not
 // parse, is bad input: its problems are printed one per line and 1 is returned; 0 otherwise.
 int LoadNetwork(const std::string& file, Ruvex::CountedPtr<Orvia::Network>& network);

@@ -68,7 +68,18 @@ int main(int argc, char** argv) {
     from->needs(to, step)->excludes(at);
     lightsCommand->add_flag("--json", lights.json, "Print as one JSON object");
 
+    OrviaTool::QueryOptions query;
+    CLI::App* queryCommand = app.add_subcommand("query", "The 3D frame of a track at (s, t), or along it.");
+    queryCommand->add_option("FILE", query.file, "Network file")->required();
+    queryCommand->add_option("--track", query.track, "Track name")->required();
+    queryCommand->add_option("--s", query.s, "Abscissa (metres)");
+    queryCommand->add_option("--t", query.t, "Lateral offset (metres, positive to the right)");
+    queryCommand->add_option("--step", query.step, "Sample the whole track every STEP metres");
+    queryCommand->add_flag("--json", query.json, "Print the result as one JSON object");
+
     CLI11_PARSE(app, argc, argv);
+
+    if (*queryCommand) return OrviaTool::RunQuery(query);
 
     if (*infoCommand) return OrviaTool::RunInfo(info);
     if (*railCommand) return OrviaTool::RunRail(rail);

@@ -4,7 +4,9 @@
 
 #include <orvia/ruvex/dom.h>
 #include <orvia/ruvex/elements/network.h>
+#include <orvia/ruvex/elements/portion.h>
 #include <orvia/ruvex/elements/profile.h>
+#include <orvia/ruvex/elements/track.h>
 #include <orvia/ruvex/elements/traffic.h>
 
 namespace QorOldData {
@@ -24,6 +26,12 @@ public:
     // A <TrafficLightState> of a document of version 1.4.9 or older; same contract as LoadClothoArc.
     static bool LoadTrafficLightState(Ruvex::TrafficLightStateElement* record, Ruvex::IDOMElement* element,
                                       Ruvex::IDOMParser* parser);
+    // A <Track> of a document of version 2.1.0 or older; same contract as LoadClothoArc.
+    static bool LoadTrack(Ruvex::TrackElement* record, Ruvex::IDOMElement* element,
+                          Ruvex::IDOMParser* parser);
+    // A <Portion> of a document older than 1.4.6; same contract as LoadClothoArc.
+    static bool LoadPortion(Ruvex::PortionElement* record, Ruvex::IDOMElement* element,
+                            Ruvex::IDOMParser* parser);
 };
 
 }  // namespace QorOldData

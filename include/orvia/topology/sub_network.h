@@ -16,6 +16,7 @@ class ClippedData;
 class ExternalElement;
 class Intersection;
 class Network;
+class Profile;
 class Track;
 class TrafficLightGroup;
 
@@ -77,6 +78,18 @@ public:
     ClippedData* GetClippedDataByName(const std::string& name) const;
     // Resolves every traffic-light group (part of PostLoad).
     void PostLoadTrafficLightGroups();
+
+    // Profiles, with the same conventions.
+    size_t GetProfileCount() const { return m_Profiles.size(); }
+    Profile* GetProfile(size_t index) const;
+    Profile* GetProfileByName(const std::string& name) const;
+    // Appends the profile (the sub-network takes a reference) and makes it this sub-network's; no renaming.
+    void AddProfile(Profile* profile);
+    // The profile seen from the other end: an equal profile of this sub-network when there is one (IsEqual),
+    // else a new one named by toggling " Invert" (" ch way" when keepWay is false) at the end of the given
+    // profile's name: its last occurrence is removed, or the suffix appended. The name is not made unique.
+    // Null for null.
+    Profile* GetOrCreateInverse(Profile* profile, bool keepWay);
 
     // Files; null when absent.
     ExternalElement* GetProxyFile() const;

@@ -3,8 +3,10 @@
 // A stretch of road between two nodes, owned by a sub-network.
 
 #include <orvia/core/user_data.h>
+#include <orvia/geometry/axis.h>
 #include <orvia/ruvex/elements/track.h>
 #include <orvia/vek/box.h>
+#include <orvia/vek/mark.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -13,26 +15,103 @@
 
 namespace Orvia {
 
+class CartesianCurve;
+class Curve2D;
 class Intersection;
+class Lane;
 class Network;
+class Portion;
+class Profile;
 class Road;
 class SubNetwork;
 class SubNetworkJunction;
+class Track;
 class TrackConnector;
+
+// One end of a track: the start (abscissa 0) or the end (abscissa = axis length).
+class TrackExtremity {
+public:
+    TrackExtremity() = default;
+    TrackExtremity(Track* track, bool atEnd) : m_track(track), m_atEnd(atEnd) {}
+    bool operator==(const TrackExtremity&) const = default;
+
+    Track* GetTrack() const { return m_track; }
+    bool IsEnd() const { return m_atEnd; }
+    // The first portion's start profile at the start, the last portion's end profile at the end; null
+    // without a track or portion.
+    Profile* GetProfile() const;
+    // The axis point there with its centre-line altitude.
+    void GetPosition(vek::Vector3& p) const;
+    vek::Vector3 GetPosition() const;
+    // The axis 3D tangent there, pointing from the node into the track (reversed at the end).
+    void GetDirection(vek::Vector3& v) const;
+    vek::Vector3 GetDirection() const;
+    // The up axis of the centre-line frame there.
+    void GetNormal(vek::Vector3& n) const;
+    vek::Vector3 GetNormal() const;
+
+private:
+    Track* m_track = nullptr;
+    bool m_atEnd = false;
+};
 
 // The element record holds the name, the names of the intersections at both ends, the axis curves and the
 // portions. The runtime part holds what post-load resolves: the owning sub-network, the intersections at both
 // ends, and the positions in the network's road list of the roads that pass over the track.
-class Track : public Ruvex::TrackElement, public UserDataContainer {
+//
+// As an axis, the curves are the record's, read as Orvia::Curve2D and Orvia::CartesianCurve whatever factory
+// is installed. An elevation, banking or vertical-curvature curve without a piece is stood in for, once the
+// axis is validated, by a default that only the queries see (saving writes the file's curves as they are):
+// elevation linear from the start intersection's altitude to the end one's (0 for a free end), banking and
+// vertical curvature zero. Post-load validates.
+class Track : public Ruvex::TrackElement, public UserDataContainer, public Axis {
 public:
+    static constexpr size_t npos = static_cast<size_t>(-1);
+    // Documents up to this version are read by the legacy converter.
+    static constexpr uint32_t kLegacyVersion = Ruvex::MakeVersionID(2, 1, 0);
+    // Documents older than this stored banking with the opposite sign.
+    static constexpr uint32_t kBankingSignVersion = Ruvex::MakeVersionID(2, 4, 3);
+    // A lane narrower than this (m) has no cross slope: its height is the mean of its borders'.
+    static constexpr double kNarrowLane = 1e-12;
+    // Portions shorter than this (m) blend nothing into the mark; GetWidthAt reads them as their start.
+    static constexpr double kShortPortion = 1e-12;
+    static constexpr double kShortPortionWidth = 1e-5;
+
     Track();
     explicit Track(SubNetwork* subNetwork);
     ~Track() override;
 
-    SubNetwork* GetSubNetwork() const { return m_subNetwork; }
-    void SetSubNetwork(SubNetwork* subNetwork) { m_subNetwork = subNetwork; }
+    // --- Axis
+    // ------------------------------------------------------------------------------------------------
+    Curve2D* GetXYCurve() const override;
+    CartesianCurve* GetSZCurve() const override;
+    CartesianCurve* GetBankingCurve() const override;
+    // Lengths from the horizontal curve; the box margin is the maximum width.
+    void UpdateCacheData() override;
     // The network above the sub-network, or null.
-    Network* GetNetwork() const;
+    Network* GetNetwork() const override;
+    // ValidateAxis, then (once per invalidation) the maximum width. False when the axis is not usable.
+    bool Validate() override;
+    void Invalidate() override;
+    // Chains the horizontal pieces and builds the default curves; false without a horizontal piece.
+    bool ValidateAxis() override;
+    // Runs the axis backwards: the curves (Axis::InvertCurves) and the two ends swap (names and links).
+    void InvertAxis() override;
+    // A copy of the track (Clone).
+    Axis* CloneAxis() const override;
+    // Cuts the track at s (0 < s < length): this track keeps [0, s], the returned one (count 0, not added to
+    // any sub-network, named by the sub-network's unique-name rule) takes [s, length] from abscissa 0.
+    // Both halves sample the axis as the original did; the portion holding s is cut in two with the same
+    // profiles, so where its two profiles differ the blend runs over the shorter stretches. The end node
+    // moves to the new track. Null when s is outside the track or the axis is not usable.
+    Axis* Split(double s) override;
+
+    CartesianCurve* GetSZCurvatureCurve() const;
+    SubNetwork* GetSubNetwork() const { return m_subNetwork; }
+    void SetSubNetwork(SubNetwork* subNetwork) {
+        m_subNetwork = subNetwork;
+        SetInSubNetwork(subNetwork);
+    }
 
     // Renames the track and, in every road that lists it, the pieces that name it in its sub-network.
     void SetName(const std::string& name) override;
@@ -59,24 +138,107 @@ public:
     // The road at position `i` of the in-road list, or null (out of range, or no network).
     Road* GetInRoad(size_t i) const;
 
-    // Box of the axis in the sub-network's frame; empty while the track has no computed geometry.
+    void SetRoadCategory(const std::string& category) { m_roadCategory = category; }
+    const std::string& GetRoadCategory() const { return m_roadCategory; }
+    void SetCurvatureCurveMeasureStep(double step) { m_curvatureStep = step; }
+    double GetCurvatureCurveMeasureStep() const { return m_curvatureStep; }
+
+    // Box of the axis in the sub-network's frame (as of the last validation); empty without geometry.
     vek::Box3 GetBoundingBox() const;
 
-    // After loading: stores the sub-network, empties the in-road list (roads register again) and links each
-    // end to the sub-network's intersection of the stored name; an unknown name leaves that end free.
+    // --- Portions ------------------------------------------------------------------------------------------
+    // The typed view of the record's portions follows the edits made here; after editing the record's list
+    // directly, call UpdatePortion.
+    Portion* AddToPortionList();
+    size_t GetPortionCount() const { return m_portions.size(); }
+    Portion* GetPortion(size_t index) const {
+        return index < m_portions.size() ? m_portions[index] : nullptr;
+    }
+    Portion* GetFirstPortion() const { return GetPortion(0); }
+    Portion* GetLastPortion() const { return m_portions.empty() ? nullptr : m_portions.back(); }
+    size_t GetPortionIndex(const Portion* portion) const;
+    // Bisection over the end distances from the middle portion: an abscissa on a shared end goes to the
+    // portion on the side the search meets it from (the middle portion keeps its own end), one past the last
+    // end to the last portion, one below 0 to the first. npos without portions.
+    size_t GetPortionIndexAt(double s) const;
+    Portion* GetPortionAt(double s) const { return GetPortion(GetPortionIndexAt(s)); }
+    // Start distance of portion `index` (the end of the one before; 0 for the first).
+    double GetPortionStart(size_t index) const;
+    // Cuts the portion holding s into two with the same profiles (the modifier stays with the first part);
+    // false when s is not strictly inside a portion.
+    bool SplitPortion(double s);
+    // Moves the end of portion `index` to s, kept between its start and the next portion's end (the last
+    // portion's end stays at the track's length); false for a bad index or a non-finite s.
+    bool ModifyPortion(size_t index, double s);
+    // Removes `count` portions from `first`; false when first is out of range.
+    bool RemovePortion(size_t first, size_t count);
+    // Rebuilds the typed view and post-loads every portion again.
+    void UpdatePortion();
+
+    // --- Geometry ------------------------------------------------------------------------------------------
+    // Frame at (s, t): position (t to the right), yaw = heading, pitch = -dz/ds, roll = banking plus the
+    // lane's cross slope, z = elevation banked at t plus the lane's height. Lane values are those of the
+    // start and end profiles of the portion at s blended by (s - start) / length (not clamped: beyond the
+    // track they extrapolate); a modified portion blends its borders first (each modified border following
+    // its modifier) and takes the lane at t in that blend. On the centre line (t = 0) roll is 0 and z the
+    // plain elevation. Const: reads the curves as validated (post-load validates). No allocation. False
+    // (mark untouched) when the horizontal curve gives no point.
+    bool GetMark(vek::Mark& mark, double s, const double& t) const;
+    // Offsets (m) of the outer borders at s, blended in the portion at s (the first portion when none);
+    // modified outer borders follow their modifiers. False (0, 0) without portions.
+    bool GetWidthAt(double s, double& left, double& right) const;
+    // Largest |offset| of any profile's outer border over the portions (as of the last validation).
+    double GetMaxWidth() const { return m_maxWidth; }
+    double GetBanking(double s) const;
+
+    // --- Editing
+    // --------------------------------------------------------------------------------------------- The
+    // amount (capped at half the length) is taken off the end, or off the start with fromStart; with
+    // cutElevation the elevation pieces beyond the new end go.
+    void ShortenLength(double amount, bool fromStart, bool cutElevation);
+    // Runs the track backwards: the axis, then each portion from the last to the first exchanges (and with
+    // invertProfiles inverts) its profiles; with reverseOrder the portion list is reversed, so that the
+    // portions cover the same stretches of road.
+    void InvertPortionsProfiles(bool keepWay, bool reverseOrder, bool invertProfiles);
+    // InvertPortionsProfiles(keepWay, true, true).
+    void InvertTrack(bool keepWay);
+
+    // A copy with no sub-network (count 0; the caller owns it).
+    Track* Clone() const;
+    void CopyFrom(const Track* other);
+
+    // After loading: stores the sub-network, empties the in-road list (roads register again), links each
+    // end to the sub-network's intersection of the stored name (an unknown name leaves that end free),
+    // post-loads the portions and validates.
     void PostLoad(SubNetwork* subNetwork);
 
+    // The record is cleared first; documents up to kLegacyVersion go through the legacy converter, and the
+    // banking of documents older than kBankingSignVersion is mirrored.
+    bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
     Ruvex::IDOMElement* BuildXMLElement(Ruvex::IDOMParser* parser) override;
 
 protected:
-    // Children the record does not take are offered to the user data.
+    // The curve tags become runtime curves; children the record does not take are offered to the user data.
     bool LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) override;
 
 private:
+    void RefreshPortionView();
+    // The curve of the record when it has a piece, else the default (null before validation).
+    CartesianCurve* Longitudinal(const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
+                                 const Ruvex::CountedPtr<CartesianCurve>& fallback) const;
+
     SubNetwork* m_subNetwork = nullptr;
     Intersection* m_startIntersection = nullptr;
     Intersection* m_endIntersection = nullptr;
     std::vector<uint64_t> m_inRoad;
+    std::vector<Portion*> m_portions;
+    bool m_trackValid = false;
+    double m_maxWidth = 0;
+    std::string m_roadCategory;
+    double m_curvatureStep = 1.0;
+    Ruvex::CountedPtr<CartesianCurve> m_defaultSZ;
+    Ruvex::CountedPtr<CartesianCurve> m_defaultBanking;
+    Ruvex::CountedPtr<CartesianCurve> m_defaultSZCurvature;
 };
 
 }  // namespace Orvia

@@ -1,0 +1,437 @@
+#include <orvia/core/network.h>
+#include <orvia/geometry/cartesian_curve.h>
+#include <orvia/geometry/curve2d.h>
+#include <orvia/geometry/profile.h>
+#include <orvia/geometry/profile_modifier.h>
+#include <orvia/ruvex/factory.h>
+#include <orvia/topology/intersection.h>
+#include <orvia/topology/portion.h>
+#include <orvia/topology/sub_network.h>
+#include <orvia/topology/track.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <numbers>
+#include <sstream>
+#include <string>
+
+using Orvia::Network;
+using Orvia::Portion;
+using Orvia::SubNetwork;
+using Orvia::Track;
+using Ruvex::CountedPtr;
+
+namespace {
+
+constexpr double kPositionToleranceM = 1e-9;
+constexpr double kAngleToleranceRad = 1e-12;
+
+CountedPtr<Network> LoadNetwork(const std::string& subNetworkContent, const std::string& version = "2.5",
+                                const std::string& revision = "0") {
+    const std::string text = "<Ruvex version=\"" + version + "\" versionRevision=\"" + revision +
+                             "\"><Network><SubNetworks><SubNetwork name=\"S\">" + subNetworkContent +
+                             "</SubNetwork></SubNetworks></Network></Ruvex>";
+    CountedPtr<Network> network(Network::Load(text.c_str(), text.size(), {}));
+    EXPECT_TRUE(network) << (Ruvex::GetLastProblems().empty() ? ""
+                                                              : Ruvex::ToString(Ruvex::GetLastProblems()[0]));
+    return network;
+}
+
+// Three lanes: [-3.5, 0], [0, 3.5], [3.5, 7]; heights (m) of the four borders given.
+std::string ProfileXml(const std::string& name, double h0, double h1, double h2, double h3) {
+    std::ostringstream out;
+    out.precision(17);
+    out << "<Profile name=\"" << name << "\"><Lane name=\"l\"/><Lane name=\"c\"/><Lane name=\"r\"/>"
+        << "<LaneBorder horizDistToAxis=\"-3.5\" vertDistToAxis=\"" << h0 << "\"/>"
+        << "<LaneBorder horizDistToAxis=\"0\" vertDistToAxis=\"" << h1 << "\"/>"
+        << "<LaneBorder horizDistToAxis=\"3.5\" vertDistToAxis=\"" << h2 << "\"/>"
+        << "<LaneBorder horizDistToAxis=\"7\" vertDistToAxis=\"" << h3 << "\"/></Profile>";
+    return out.str();
+}
+
+// Straight along +x, z = 10 + 0.05 s, banking 0.1; portions [0, 40] A -> B and [40, 100] B -> B.
+const std::string kStraight = "<Profiles>" + ProfileXml("A", 0.2, 0, 0, 0.3) +
+                              ProfileXml("B", 0.4, 0, 0, 0.3) +
+                              R"(</Profiles><Tracks><Track name="T"><XYCurve><Segment length="100"/></XYCurve>
+<SZCurve><Polynomial xIn="0" yIn="10" derivativeIn="0.05" xOut="100" yOut="15" derivativeOut="0.05"/></SZCurve>
+<BankingCurve><Polynomial xIn="0" yIn="0.1" xOut="100" yOut="0.1"/></BankingCurve>
+<Portion endDistance="40" startProfileName="A" endProfileName="B"/>
+<Portion endDistance="100" startProfileName="B" endProfileName="B"/></Track></Tracks>)";
+
+struct Expected {
+    double x, y, z, roll, pitch, yaw;
+};
+
+void ExpectMark(const Track& track, double s, double t, const Expected& e) {
+    vek::Mark mark;
+    ASSERT_TRUE(track.GetMark(mark, s, t)) << "s=" << s << " t=" << t;
+    EXPECT_NEAR(mark.position.x, e.x, kPositionToleranceM) << "s=" << s << " t=" << t;
+    EXPECT_NEAR(mark.position.y, e.y, kPositionToleranceM) << "s=" << s << " t=" << t;
+    EXPECT_NEAR(mark.position.z, e.z, kPositionToleranceM) << "s=" << s << " t=" << t;
+    EXPECT_NEAR(mark.roll, e.roll, kAngleToleranceRad) << "s=" << s << " t=" << t;
+    EXPECT_NEAR(mark.pitch, e.pitch, kAngleToleranceRad) << "s=" << s << " t=" << t;
+    EXPECT_NEAR(mark.yaw, e.yaw, kAngleToleranceRad) << "s=" << s << " t=" << t;
+}
+
+// Lane values of profile A / B at t, worked out by hand from the border heights.
+struct Cross {
+    double slope, height;
+};
+
+}  // namespace
+
+TEST(Track, MarkOnStraightBankedAxisBlendsLaneValues) {
+    CountedPtr<Network> network = LoadNetwork(kStraight);
+    ASSERT_TRUE(network);
+    const Track* track = network->GetSubNetwork(0)->GetTrackByName("T");
+    ASSERT_TRUE(track);
+    const double b = 0.1, tanB = std::tan(-b);
+    auto z = [&](double s, double t) { return 10 + 0.05 * s + t * tanB; };
+    // Left lane [-3.5, 0] at t = -1.75: A slopes up to its left border (0.2), B to 0.4.
+    const Cross aLeft{0.2 / 3.5, 0.1}, bLeft{0.4 / 3.5, 0.2};
+    // Inside the first portion, r = 0.5.
+    ExpectMark(*track, 20, -1.75,
+               {20, 1.75, z(20, -1.75) + 0.5 * (aLeft.height + bLeft.height),
+                b + 0.5 * (aLeft.slope + bLeft.slope), -0.05, 0});
+    // On the centre line: no banking, no lane values.
+    ExpectMark(*track, 20, 0, {20, 0, 11, 0, -0.05, 0});
+    // The boundary belongs to the second portion (r = 0: B); the first ends with B as well.
+    ExpectMark(*track, 40, -1.75, {40, 1.75, z(40, -1.75) + bLeft.height, b + bLeft.slope, -0.05, 0});
+    ExpectMark(
+        *track, 40 - 1e-9, -1.75,
+        {40 - 1e-9, 1.75, z(40 - 1e-9, -1.75) + bLeft.height - 1e-9 / 40 * (bLeft.height - aLeft.height),
+         b + bLeft.slope - 1e-9 / 40 * (bLeft.slope - aLeft.slope), -0.05, 0});
+    // Right lane [3.5, 7] (heights 0, 0.3) at t = 5: |t| / w >= 1 and t - left < left, so the left height.
+    ExpectMark(*track, 70, 5, {70, -5, z(70, 5) + 0, b - 0.3 / 3.5, -0.05, 0});
+    // On the border at 3.5: the lane on its left ([0, 3.5], flat), |t| / w = 1 so the right height (0).
+    ExpectMark(*track, 70, 3.5, {70, -3.5, z(70, 3.5), b, -0.05, 0});
+    // Beyond the outer border: the last lane, |t| / w > 1, t - left >= left: its right height 0.3.
+    ExpectMark(*track, 70, 9, {70, -9, z(70, 9) + 0.3, b - 0.3 / 3.5, -0.05, 0});
+    // Before the start: the first portion extrapolates (r = -0.25), the axis continues straight, the
+    // elevation piece continues its line.
+    ExpectMark(*track, -10, -1.75,
+               {-10, 1.75, z(-10, -1.75) + 1.25 * aLeft.height - 0.25 * bLeft.height,
+                b + 1.25 * aLeft.slope - 0.25 * bLeft.slope, -0.05, 0});
+    // Beyond the end: the last portion, B at both ends.
+    ExpectMark(*track, 130, -1.75, {130, 1.75, z(130, -1.75) + bLeft.height, b + bLeft.slope, -0.05, 0});
+
+    double left = 0, right = 0;
+    ASSERT_TRUE(track->GetWidthAt(20, left, right));
+    EXPECT_DOUBLE_EQ(left, -3.5);
+    EXPECT_DOUBLE_EQ(right, 7);
+    EXPECT_DOUBLE_EQ(track->GetMaxWidth(), 7);
+}
+
+TEST(Track, MarkOnCircularAxis) {
+    CountedPtr<Network> network = LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + R"(</Profiles>
+<Tracks><Track name="C"><XYCurve x="5" y="-2" orientation="0"><CircleArc length="100" curvature="0.01"/></XYCurve>
+<SZCurve><Polynomial xIn="0" yIn="3" derivativeIn="0" xOut="100" yOut="3" derivativeOut="0"/></SZCurve>
+<Portion endDistance="100" startProfileName="A" endProfileName="A"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    const Track* track = network->GetSubNetwork(0)->GetTrackByName("C");
+    // Centre (5, 98), radius 100; t to the right moves away from the centre.
+    for (double s : {0.0, 25.0, 50.0, 100.0})
+        for (double t : {-2.0, 0.0, 1.75, 6.0}) {
+            const double theta = s / 100, r = 100 + t;
+            ExpectMark(*track, s, t, {5 + r * std::sin(theta), 98 - r * std::cos(theta), 3, 0, 0, theta});
+        }
+}
+
+TEST(Track, BankingSignGateAndRoundTrip) {
+    const std::string content =
+        "<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + R"(</Profiles><Tracks><Track name="T">
+<XYCurve><Segment length="50"/></XYCurve>
+<BankingCurve><Polynomial xIn="0" yIn="0.05" xOut="50" yOut="0.05"/></BankingCurve>
+<Portion endDistance="50" startProfileName="A" endProfileName="A"/></Track></Tracks>)";
+    CountedPtr<Network> old = LoadNetwork(content, "2.4", "2");
+    CountedPtr<Network> current = LoadNetwork(content, "2.4", "3");
+    ASSERT_TRUE(old && current);
+    EXPECT_DOUBLE_EQ(old->GetSubNetwork(0)->GetTrack(0)->GetBanking(10), -0.05);
+    EXPECT_DOUBLE_EQ(current->GetSubNetwork(0)->GetTrack(0)->GetBanking(10), 0.05);
+
+    // Saved at the current version, the corrected sign stays corrected; marks come back bit for bit.
+    const std::string path =
+        (std::filesystem::temp_directory_path() / "orvia_track_banking_gate.xml").string();
+    ASSERT_TRUE(old->Save(path.c_str()));
+    CountedPtr<Network> again(Network::Load(path.c_str(), {}));
+    std::filesystem::remove(path);
+    ASSERT_TRUE(again);
+    const Track* before = old->GetSubNetwork(0)->GetTrack(0);
+    const Track* after = again->GetSubNetwork(0)->GetTrack(0);
+    EXPECT_DOUBLE_EQ(after->GetBanking(10), -0.05);
+    for (double s = -5; s <= 55; s += 2.5)
+        for (double t : {-3.0, -1.0, 0.0, 2.0, 8.0}) {
+            vek::Mark a, b;
+            ASSERT_TRUE(before->GetMark(a, s, t));
+            ASSERT_TRUE(after->GetMark(b, s, t));
+            EXPECT_EQ(a, b) << s << " " << t;
+        }
+}
+
+TEST(Track, RoundTripOfDataFileKeepsMarksBitForBit) {
+    const std::string source = std::string(ORVIA_SOURCE_DIR) + "/tests/data/tracks.xml";
+    CountedPtr<Network> network(Network::Load(source.c_str(), {}));
+    ASSERT_TRUE(network);
+    const std::string path = (std::filesystem::temp_directory_path() / "orvia_track_round_trip.xml").string();
+    ASSERT_TRUE(network->Save(path.c_str()));
+    CountedPtr<Network> again(Network::Load(path.c_str(), {}));
+    std::filesystem::remove(path);
+    ASSERT_TRUE(again);
+    const Track* a = network->GetSubNetwork(0)->GetTrackByName("Bend");
+    const Track* b = again->GetSubNetwork(0)->GetTrackByName("Bend");
+    ASSERT_TRUE(a && b);
+    EXPECT_GT(a->GetXYLength(), 100);
+    for (double s = -10; s < a->GetXYLength() + 10; s += 3.7)
+        for (double t : {-4.0, -1.2, 0.0, 0.5, 3.0}) {
+            vek::Mark ma, mb;
+            ASSERT_TRUE(a->GetMark(ma, s, t));
+            ASSERT_TRUE(b->GetMark(mb, s, t));
+            EXPECT_EQ(ma, mb) << s << " " << t;
+        }
+}
+
+TEST(Track, PortionIndexAtEdges) {
+    CountedPtr<Track> track(new Track);
+    for (double end : {10.0, 20.0, 30.0, 40.0, 50.0})
+        track->AddToPortionList()->SetEndDistance(end);
+    const size_t npos = Track::npos;
+    struct Case {
+        double s;
+        size_t index;
+    };
+    // A shared end goes to the side the bisection meets it from: 10 and 20 to the portion starting there,
+    // 30 (the middle's end) and 40 to the one ending there.
+    for (const Case& c :
+         {Case{-5, 0}, Case{0, 0}, Case{9.99, 0}, Case{10, 1}, Case{19.5, 1}, Case{20, 2}, Case{29.9, 2},
+          Case{30, 2}, Case{30.1, 3}, Case{40, 3}, Case{45, 4}, Case{50, 4}, Case{1e9, 4}})
+        EXPECT_EQ(track->GetPortionIndexAt(c.s), c.index) << c.s;
+    EXPECT_LT(track->GetPortionIndexAt(std::numeric_limits<double>::quiet_NaN()), 5u);
+    // Shorter lists, including the ones where the middle is the last.
+    CountedPtr<Track> two(new Track);
+    EXPECT_EQ(two->GetPortionIndexAt(1), npos);
+    EXPECT_EQ(two->GetPortionAt(1), nullptr);
+    two->AddToPortionList()->SetEndDistance(5);
+    EXPECT_EQ(two->GetPortionIndexAt(7), 0u);
+    two->AddToPortionList()->SetEndDistance(9);
+    for (const Case& c : {Case{-1, 0}, Case{4.5, 0}, Case{5, 1}, Case{9, 1}, Case{12, 1}})
+        EXPECT_EQ(two->GetPortionIndexAt(c.s), c.index) << c.s;
+    EXPECT_EQ(two->GetPortion(1)->GetStartDistance(), 5);
+    EXPECT_EQ(two->GetPortionIndex(two->GetPortion(1)), 1u);
+    EXPECT_EQ(two->GetPortionIndex(nullptr), npos);
+}
+
+TEST(Portion, ProfilesFallBackAndInterpolate) {
+    CountedPtr<Network> network =
+        LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + ProfileXml("B", 0, 0, 0, 0) +
+                    R"(</Profiles><Tracks><Track name="T">
+<XYCurve><Segment length="60"/></XYCurve>
+<Portion endDistance="20" startProfileName="Missing" endProfileName="B"/>
+<Portion endDistance="20" startProfileName="B" endProfileName="A"/>
+<Portion endDistance="60" startProfileName="B" endProfileName="A"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Track* track = s->GetTrackByName("T");
+    ASSERT_EQ(track->GetPortionCount(), 3u);
+    Portion* first = track->GetPortion(0);
+    EXPECT_EQ(first->GetStartProfile(), s->GetProfileByName("A"));
+    EXPECT_EQ(first->GetStartProfileName(), "A");
+    EXPECT_EQ(first->GetEndProfile(), s->GetProfileByName("B"));
+    // The empty portion [20, 20]: normalised abscissa 0, side distances of its start profile.
+    Portion* empty = track->GetPortion(1);
+    EXPECT_EQ(empty->GetStartDistance(), 20);
+    EXPECT_EQ(empty->ConvertToZeroOneCoeff(20), 0);
+    double left = 0, right = 0;
+    empty->GetSideDistances(20, left, right);
+    EXPECT_EQ(left, -3.5);
+    EXPECT_EQ(right, 7);
+    Portion* last = track->GetPortion(2);
+    EXPECT_DOUBLE_EQ(last->ConvertToZeroOneCoeff(30), 0.25);
+    EXPECT_DOUBLE_EQ(last->ConvertToZeroOneCoeff(100), 1);
+    EXPECT_DOUBLE_EQ(last->ConvertToZeroOneCoeff(-1), 0);
+    // Lanes by profile and index.
+    EXPECT_EQ(first->FindLane(0, 1), s->GetProfileByName("A")->GetLane(1));
+    EXPECT_EQ(first->FindLane(2, 0), nullptr);
+    EXPECT_EQ(first->FindLane(1, 3), nullptr);
+    size_t which = 9, index = 9;
+    EXPECT_TRUE(first->FindProfileAndLaneIndex(s->GetProfileByName("B")->GetLane(2), which, index));
+    EXPECT_EQ(which, 1u);
+    EXPECT_EQ(index, 2u);
+    EXPECT_FALSE(first->FindProfileAndLaneIndex(nullptr, which, index));
+    // One strip per lane, joining lanes of the same index.
+    ASSERT_EQ(first->GetPassageways().size(), 3u);
+    EXPECT_EQ(first->GetPassageways()[2].GetEndLane(), s->GetProfileByName("B")->GetLane(2));
+}
+
+TEST(Portion, ModifiedBorderBendsWidthAndMark) {
+    // Flat 3-lane profile with the right border raised 0.3 m; the right border drifts out by 1.5 m.
+    const std::string content =
+        "<Profiles>" + ProfileXml("A", 0, 0, 0, 0.3) + R"(</Profiles><Tracks><Track name="T">
+<XYCurve><Segment length="80"/></XYCurve>
+<Portion endDistance="80" startProfileName="A" endProfileName="A"><ProfileModifier>
+  <BorderModifier id="3"><BorderOffset t="0" yOffset="0" dirIn="0.01875" dirOut="0.01875"/>
+  <BorderOffset t="1" yOffset="1.5" dirIn="0.01875" dirOut="0.01875"/></BorderModifier>
+  <BorderModifier id="9"><BorderOffset t="0"/><BorderOffset t="1" yOffset="2"/></BorderModifier>
+</ProfileModifier></Portion></Track></Tracks>)";
+    CountedPtr<Network> network = LoadNetwork(content);
+    ASSERT_TRUE(network);
+    const Track* track = network->GetSubNetwork(0)->GetTrack(0);
+    // Linear drift: the border at 7 + 1.5 x / 80.
+    for (double s : {0.0, 20.0, 40.0, 80.0}) {
+        const double outer = 7 + 1.5 * s / 80;
+        double left = 0, right = 0;
+        ASSERT_TRUE(track->GetWidthAt(s, left, right));
+        EXPECT_NEAR(left, -3.5, kPositionToleranceM);
+        EXPECT_NEAR(right, outer, kPositionToleranceM);
+        // t = 5 lies in the right lane [3.5, outer]; |t| / w >= 1 and t - 3.5 < 3.5: its left height.
+        const double w = outer - 3.5;
+        ExpectMark(*track, s, 5, {s, -5, 0, -0.3 / w, 0, 0});
+        // t = 2 in the flat centre lane.
+        ExpectMark(*track, s, 2, {s, -2, 0, 0, 0, 0});
+    }
+    // The modifier of a border the profile lacks builds functions but takes no part.
+    const Portion* portion = track->GetPortion(0);
+    const Orvia::ProfileModifier* modifier = portion->GetProfileModifier();
+    ASSERT_TRUE(modifier);
+    EXPECT_EQ(modifier->GetBorderModifierById(9)->GetFunctionCount(), 1u);
+    EXPECT_EQ(portion->GetModifiedBorder(9), nullptr);
+    EXPECT_EQ(portion->GetBorderModifierOfPassageway(2), modifier->GetBorderModifierById(3));
+}
+
+TEST(BorderModifier, HermiteDriftInvertAndCoefficients) {
+    // Base positions 3.5 at both ends: lanes whose left border is at 3.5.
+    CountedPtr<Orvia::Profile> profile(Orvia::Profile::CreateDefault());
+    profile->AddLane()->SetHorWidth(2.0, true);
+    Orvia::Passageway strip(profile->GetLane(2), profile->GetLane(2), {0, 0}, {0, 0});
+    CountedPtr<Orvia::ProfileModifier> modifier(new Orvia::ProfileModifier);
+    Orvia::BorderModifier* border = modifier->CreateOrUpdateBorderModifier(2, 0, 0, 0, 0);
+    EXPECT_EQ(modifier->CreateOrUpdateBorderModifier(2, 1, 1.5, 0, 0), border);
+    border->LoadFunctions(&strip, 100, 140, 3);
+    ASSERT_EQ(border->GetFunctionCount(), 1u);
+    EXPECT_NEAR(border->GetDistanceFromAxis(0), 3.5, 1e-12);
+    EXPECT_NEAR(border->GetDistanceFromAxis(20), 4.25, 1e-12);
+    EXPECT_NEAR(border->GetDistanceFromAxis(40), 5.0, 1e-12);
+    EXPECT_NEAR(border->computeDerivativeAtAbscissa(0), 0, 1e-12);
+    EXPECT_NEAR(border->computeDerivativeAtAbscissa(40), 0, 1e-12);
+    std::vector<Orvia::FuncData> pieces;
+    border->getFunctionsCoefficients(pieces);
+    ASSERT_EQ(pieces.size(), 1u);
+    EXPECT_NEAR(pieces[0].start, 0, 1e-12);
+    EXPECT_NEAR(pieces[0].a + pieces[0].b * 20 + pieces[0].c * 400 + pieces[0].d * 8000, 4.25, 1e-9);
+    // The last border takes the lane's right border as its base: 5.5 at both ends.
+    border->SetId(3);
+    border->LoadFunctions(&strip, 0, 40, 3);
+    EXPECT_NEAR(border->GetDistanceFromAxis(40), 7.0, 1e-12);
+
+    // Inverting twice restores the offsets.
+    border->createBorderOffset(1.2, -0.5, 0.25, -0.75);
+    border->Invert(nullptr);
+    EXPECT_DOUBLE_EQ(border->GetBorderOffset(0)->GetT(), 1 - 1.2);
+    EXPECT_DOUBLE_EQ(border->GetBorderOffset(0)->GetYOffset(), 0.5);
+    EXPECT_DOUBLE_EQ(border->GetBorderOffset(0)->GetDirIn(), -0.75);
+    border->Invert(nullptr);
+    EXPECT_DOUBLE_EQ(border->GetBorderOffset(2)->GetT(), 1.2);
+    EXPECT_DOUBLE_EQ(border->GetBorderOffset(2)->GetYOffset(), -0.5);
+    EXPECT_DOUBLE_EQ(border->GetBorderOffset(2)->GetDirOut(), -0.75);
+
+    // One offset builds nothing.
+    Orvia::BorderModifier* lone = modifier->CreateOrUpdateBorderModifier(0, 0, 1, 0, 0);
+    lone->LoadFunctions(&strip, 0, 10, 3);
+    EXPECT_EQ(lone->GetFunctionCount(), 0u);
+    EXPECT_EQ(lone->GetDistanceFromAxis(5), 0);
+    EXPECT_EQ(modifier->GetBorderModifierIds(), (std::vector<size_t>{3, 0}));
+}
+
+TEST(Track, DefaultCurvesExtremitiesAndShortening) {
+    CountedPtr<Network> network = LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + R"(</Profiles>
+<Intersections><Intersection name="P" x="0" y="0" z="4"/><Intersection name="Q" x="60" y="0" z="10"/></Intersections>
+<Tracks><Track name="T" startIntersectionName="P" endIntersectionName="Q"><XYCurve><Segment length="60"/></XYCurve>
+<Portion endDistance="60" startProfileName="A" endProfileName="A"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    Track* track = network->GetSubNetwork(0)->GetTrack(0);
+    // Elevation from 4 to 10 over 60 m; no banking.
+    ExpectMark(*track, 30, 2, {30, -2, 7, 0, -0.1, 0});
+    const Orvia::TrackExtremity end(track, true), start(track, false);
+    EXPECT_EQ(end.GetProfile(), network->GetSubNetwork(0)->GetProfileByName("A"));
+    const vek::Vector3 direction = end.GetDirection();
+    const double c = 1 / std::sqrt(1 + 0.01);
+    EXPECT_NEAR(direction.x, -c, 1e-12);
+    EXPECT_NEAR(direction.z, -0.1 * c, 1e-12);
+    EXPECT_NEAR(start.GetPosition().z, 4, 1e-12);
+    EXPECT_NEAR(end.GetPosition().x, 60, 1e-12);
+    EXPECT_TRUE(start == Orvia::TrackExtremity(track, false));
+    EXPECT_FALSE(start == end);
+
+    // Shortening is capped at half the length.
+    track->ShortenLength(100, false, true);
+    EXPECT_NEAR(track->GetXYLength(), 30, 1e-12);
+}
+
+TEST(Track, InvertedTrackSamplesTheSameRoad) {
+    CountedPtr<Network> network = LoadNetwork(kStraight);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Track* track = s->GetTrackByName("T");
+    CountedPtr<Track> original(track->Clone());
+    original->SetSubNetwork(s);
+    original->UpdatePortion();
+    track->InvertTrack(true);
+    EXPECT_EQ(track->GetPortionCount(), 2u);
+    EXPECT_DOUBLE_EQ(track->GetPortion(0)->GetEndDistance(), 60);
+    EXPECT_EQ(track->GetPortion(1)->GetStartProfileName(), "B Invert");
+    for (double at : {5.0, 20.0, 55.0, 90.0})
+        for (double t : {-2.5, -1.0, 1.0, 2.0, 4.0}) {
+            vek::Mark a, b;
+            ASSERT_TRUE(original->GetMark(a, at, t));
+            ASSERT_TRUE(track->GetMark(b, 100 - at, -t));
+            EXPECT_NEAR(a.position.x, b.position.x, kPositionToleranceM);
+            EXPECT_NEAR(a.position.y, b.position.y, kPositionToleranceM);
+            EXPECT_NEAR(a.position.z, b.position.z, kPositionToleranceM) << at << " " << t;
+            EXPECT_NEAR(a.roll, -b.roll, kAngleToleranceRad) << at << " " << t;
+        }
+}
+
+TEST(Track, SplitHalvesSampleAsTheOriginal) {
+    CountedPtr<Network> network = LoadNetwork(kStraight);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Track* track = s->GetTrackByName("T");
+    CountedPtr<Track> original(track->Clone());
+    original->SetSubNetwork(s);
+    original->UpdatePortion();
+    CountedPtr<Track> second(static_cast<Track*>(track->Split(60)));
+    ASSERT_TRUE(second);
+    EXPECT_EQ(second->GetName(), "T 1");
+    EXPECT_NEAR(track->GetXYLength(), 60, 1e-12);
+    EXPECT_NEAR(second->GetXYLength(), 40, 1e-12);
+    second->SetSubNetwork(s);
+    second->UpdatePortion();
+    // Portion [40, 100] is B -> B, so the cut portion blends nothing differently.
+    for (double at : {0.0, 10.0, 45.0, 59.0, 61.0, 80.0, 100.0})
+        for (double t : {-2.0, 0.0, 1.0, 5.0}) {
+            vek::Mark a, b;
+            ASSERT_TRUE(original->GetMark(a, at, t));
+            ASSERT_TRUE(at <= 60 ? track->GetMark(b, at, t) : second->GetMark(b, at - 60, t));
+            EXPECT_NEAR(a.position.x, b.position.x, kPositionToleranceM);
+            EXPECT_NEAR(a.position.y, b.position.y, kPositionToleranceM);
+            EXPECT_NEAR(a.position.z, b.position.z, kPositionToleranceM) << at << " " << t;
+            EXPECT_NEAR(a.roll, b.roll, kAngleToleranceRad);
+        }
+    EXPECT_EQ(track->Split(0), nullptr);
+    EXPECT_EQ(track->Split(std::numeric_limits<double>::quiet_NaN()), nullptr);
+}
+
+TEST(SubNetwork, InverseProfileNameToggle) {
+    CountedPtr<Network> network =
+        LoadNetwork("<Profiles>" + ProfileXml("P Invert", 0, 0.1, 0, 0.2) + "</Profiles>");
+    SubNetwork* s = network->GetSubNetwork(0);
+    Orvia::Profile* p = s->GetProfile(0);
+    EXPECT_EQ(s->GetOrCreateInverse(nullptr, true), nullptr);
+    Orvia::Profile* inverse = s->GetOrCreateInverse(p, true);
+    EXPECT_EQ(inverse->GetName(), "P");
+    EXPECT_EQ(s->GetProfileCount(), 2u);
+    // The inverse of the inverse is the original, found by equality.
+    EXPECT_EQ(s->GetOrCreateInverse(inverse, true), p);
+    EXPECT_EQ(s->GetOrCreateInverse(p, false)->GetName(), "P Invert ch way");
+}
