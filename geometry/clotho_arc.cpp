@@ -68,9 +68,9 @@ ClothoArc::ClothoArc() {
 }
 
 ClothoArc::ClothoArc(double length, double startCurvature, double endCurvature) {
-    m_Length = std::fabs(length);
-    m_StartCurvature = startCurvature;
-    m_EndCurvature = endCurvature;
+    m_Length = ConstructedLength(length);
+    m_StartCurvature = std::isfinite(startCurvature) ? startCurvature : 0;
+    m_EndCurvature = std::isfinite(endCurvature) ? endCurvature : 0;
     DataChanged();
 }
 
@@ -78,6 +78,8 @@ ClothoArc::ClothoArc(const ClothoArc& other) = default;
 ClothoArc::~ClothoArc() = default;
 
 void ClothoArc::SetLength(double length) {
+    // Refused before the rescale: its end curvature would not be finite.
+    if (!(std::fabs(length) <= kMaxLength)) return;
     const double old = m_Length;
     bool changed = false;
     if (old > kDegenerateTolerance) {
@@ -85,7 +87,7 @@ void ClothoArc::SetLength(double length) {
         changed = rescaled != m_EndCurvature;
         m_EndCurvature = rescaled;
     }
-    if (length >= 0 && length != old) {
+    if (IsValidLength(length) && length != old) {
         m_Length = length;
         changed = true;
     }
@@ -94,7 +96,7 @@ void ClothoArc::SetLength(double length) {
 }
 
 bool ClothoArc::SetRawLength(double length) {
-    if (length >= 0 && length != m_Length) {
+    if (IsValidLength(length) && length != m_Length) {
         m_Length = length;
         DataChanged();
     }
@@ -102,6 +104,7 @@ bool ClothoArc::SetRawLength(double length) {
 }
 
 bool ClothoArc::SetStartCurvature(double curvature) {
+    if (!std::isfinite(curvature)) return false;
     if (curvature != m_StartCurvature) {
         m_StartCurvature = curvature;
         DataChanged();
@@ -110,6 +113,7 @@ bool ClothoArc::SetStartCurvature(double curvature) {
 }
 
 bool ClothoArc::SetEndCurvature(double curvature) {
+    if (!std::isfinite(curvature)) return false;
     if (curvature != m_EndCurvature) {
         m_EndCurvature = curvature;
         DataChanged();
@@ -151,6 +155,11 @@ bool ClothoArc::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParse
         Ruvex::ClothoidArcElement::LoadFromXMLElement(element, parser);
     else
         QorOldData::DataConverter::LoadClothoArc(this, element, parser);
+    m_Length = ClampLoaded(m_Length, 0, kMaxLength, "length", element, parser);
+    m_StartCurvature =
+        ClampLoaded(m_StartCurvature, -kMaxCurvature, kMaxCurvature, "startCurvature", element, parser);
+    m_EndCurvature =
+        ClampLoaded(m_EndCurvature, -kMaxCurvature, kMaxCurvature, "endCurvature", element, parser);
     DataChanged();
     return true;
 }

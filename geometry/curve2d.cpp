@@ -117,7 +117,9 @@ void Curve2D::UpdateParametricFunctionVector() {
     for (const Ruvex::CountedPtr<Ruvex::Element>& element : m_Functions) {
         auto* function = dynamic_cast<ParametricFunction*>(element.Get());
         if (!function) continue;
-        const double end = start + function->GetLength();
+        // A piece of another class may report any length: one that is not finite owns no abscissa.
+        const double pieceLength = function->GetLength();
+        const double end = start + (std::isfinite(pieceLength) ? pieceLength : 0);
         const std::type_info& type = typeid(*function);
         const Kind kind = type == typeid(Segment)     ? Kind::Segment
                           : type == typeid(CircleArc) ? Kind::CircleArc
@@ -239,6 +241,7 @@ double Curve2D::GetFunctionStartLength(size_t index) const {
 // Geometry
 
 void Curve2D::SetLength(double length) {
+    if (!std::isfinite(length)) return;
     length = std::max(length, kMinLength);
     if (m_records.empty()) return;
     const double current = GetLength();
@@ -285,6 +288,11 @@ bool Curve2D::Sample(double s, double t, PointData& out, vek::Vector2* tangent, 
         if (tangent) *tangent = out.GetTangent();
         return true;
     }
+    SampleWithin(s, t, out, tangent, hint);
+    return true;
+}
+
+void Curve2D::SampleWithin(double s, double t, PointData& out, vek::Vector2* tangent, size_t* hint) const {
     const size_t i = RecordAt(s, hint ? *hint : npos);
     if (hint) *hint = i;
     const Record& record = m_records[i];
@@ -309,7 +317,6 @@ bool Curve2D::Sample(double s, double t, PointData& out, vek::Vector2* tangent, 
     }
     if (t != 0) OffsetSample(t, unit, out);
     if (tangent) *tangent = unit;
-    return true;
 }
 
 void Curve2D::OffsetPointData(double t, PointData& pd) {
@@ -317,8 +324,11 @@ void Curve2D::OffsetPointData(double t, PointData& pd) {
 }
 
 bool Curve2D::ComputePointDataOutside(double sRef, double s, double t, PointData& out) const {
+    if (m_records.empty()) return false;
+    // Sampled within the table whatever its length says (a negative one puts 0 outside [0, length]): the
+    // end sample never comes back here.
     PointData end;
-    if (!GetPointData(sRef, 0, end)) return false;
+    SampleWithin(sRef, 0, end, nullptr, nullptr);
     const vek::Vector2 tangent = end.GetTangent();
     const vek::Vector2 left(-tangent.y, tangent.x);
     out.position = end.position + tangent * (s - sRef) - left * t;

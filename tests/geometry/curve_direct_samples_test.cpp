@@ -31,6 +31,14 @@ protected:
     }
 };
 
+// A piece of a class the curve does not know that reports a negative length (the library's own pieces refuse
+// one): it runs backwards along -x.
+class BackwardSegment : public Segment {
+public:
+    explicit BackwardSegment(double length) : Segment(length) {}
+    double GetLength() const override { return -Segment::GetLength(); }
+};
+
 // What Curve2D::GetPointData(s, t) is defined to return: the piece the bisection finds, sampled through its
 // virtual GetPointData at s clamped into its span, moved by t along the right normal (the curvature kept
 // unless it is straight).
@@ -85,7 +93,7 @@ void ExpectSameBits(const PointData& a, const PointData& b, double s, bool round
 
 // Mixed pieces plus every shape a known class can take: a clothoid arc that is a line, a circle of either
 // sign, a clothoid beyond the series' reach, an arc of zero curvature, pieces with a forced start
-// orientation, and an arc of a class the curve does not know. `reversed` adds a segment of negative length,
+// orientation, and an arc of a class the curve does not know. `reversed` adds a piece of negative length,
 // which leaves the table without its abscissa index.
 void BuildCurve(Curve2D& curve, bool reversed) {
     std::mt19937 rng(reversed ? 11 : 7);
@@ -96,7 +104,7 @@ void BuildCurve(Curve2D& curve, bool reversed) {
     curve.InsertFunction(new ClothoArc(30, 0.5, 0.51), 12);
     curve.InsertFunction(new CircleArc(7, 0), 15);
     curve.InsertFunction(new DriftingArc(11, 0.02), 18);
-    if (reversed) curve.InsertFunction(new Segment(-3), 21);
+    if (reversed) curve.InsertFunction(new BackwardSegment(3), 21);
     curve.InsertFunction(new CircleArc(0, 0.03), 24);  // pieces of no length own no abscissa
     curve.InsertFunction(new CircleArc(0, -0.03), 25);
     for (size_t i : {1, 3, 6, 9, 12, 15, 20})

@@ -23,21 +23,23 @@ public:
 
     // Length 1 m, curvature 0 -> 0.01 /m.
     ClothoArc();
-    // The length is stored as its absolute value.
+    // The length is stored through ConstructedLength (its absolute value); a curvature that is not finite as
+    // 0.
     ClothoArc(double length, double startCurvature, double endCurvature);
     ClothoArc(const ClothoArc& other);
     ~ClothoArc() override;
 
     double GetLength() const override { return m_Length; }
     // Keeps the rate of change of curvature: the end curvature is rescaled first (when the old length exceeds
-    // kDegenerateTolerance, even if the new length is then refused); a negative length is refused.
+    // kDegenerateTolerance, even if the new length is then refused); a negative length is refused, and one
+    // whose magnitude exceeds kMaxLength (NaN included) is refused before the rescale.
     void SetLength(double length) override;
-    // Sets the length alone, curvatures unchanged; a negative length is ignored. Returns true.
+    // Sets the length alone, curvatures unchanged; a length outside [0, kMaxLength] is ignored. Returns true.
     bool SetRawLength(double length);
 
     double GetStartCurvature() const { return m_StartCurvature; }
     double GetEndCurvature() const { return m_EndCurvature; }
-    // 1/m, positive turning left. Return true.
+    // 1/m, positive turning left. True, or false (nothing changes) for a value that is not finite.
     bool SetStartCurvature(double curvature);
     bool SetEndCurvature(double curvature);
 

@@ -82,7 +82,8 @@ public:
     // Sum of the piece lengths (m), 0 when empty.
     double GetLength() const { return m_records.empty() ? 0 : m_records.back().end; }
     // Makes the length max(length, kMinLength): shortening cuts the piece holding the new end and drops
-    // those after it; lengthening stretches the last piece (by its own SetLength rule). Nothing when empty.
+    // those after it; lengthening stretches the last piece (by its own SetLength rule). Nothing when empty
+    // or when length is not finite.
     void SetLength(double length);
 
     // Sample at (s, t). Within [0, length] the piece holding s (see GetFunctionIndexAt) is sampled; beyond
@@ -166,6 +167,10 @@ private:
     // GetPointData(s, t, out) with, when tangent is set, the unit tangent (cos, sin) of out.heading, and,
     // when hint is set, its record tried first (see RecordAt) and replaced by the record sampled.
     bool Sample(double s, double t, PointData& out, vek::Vector2* tangent, size_t* hint) const;
+    // Its part within the table (not empty): the record RecordAt finds for s, sampled at s clamped to its
+    // span. Never extrapolates, so that the end samples of the extrapolation cannot recurse whatever the
+    // lengths are.
+    void SampleWithin(double s, double t, PointData& out, vek::Vector2* tangent, size_t* hint) const;
 
     std::vector<Record> m_records;
     // Bucket b covers abscissas [b, b + 1) / m_bucketScale and holds the first record whose end reaches the
