@@ -7,6 +7,7 @@
 #include <charconv>
 #include <fstream>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -31,28 +32,35 @@ uint32_t ParseEpsgCode(const std::string& text) {
 
 }  // namespace
 
-// The GDAL objects implied by the persisted projection. Both transformations are rebuilt whenever the
-// document reference changes.
+// The GDAL objects implied by the persisted projection. Both transformations are made on first use after the
+// document reference changes: making them reads the projection database, which costs more than loading a
+// network, and most networks never convert a coordinate.
 struct Geolocalisation::Projection {
     Gdal::SpatialReference document;
     Gdal::SpatialReference wgs84;
-    Gdal::CoordinateTransformation toWgs84;
-    Gdal::CoordinateTransformation fromWgs84;
+    mutable Gdal::CoordinateTransformation toWgs84;
+    mutable Gdal::CoordinateTransformation fromWgs84;
+    mutable bool built = false;
 
     Projection() = default;
-    Projection(const Projection& other) : document(other.document), wgs84(other.wgs84) { Rebuild(); }
+    Projection(const Projection& other) : document(other.document), wgs84(other.wgs84) {}
     Projection& operator=(const Projection& other) {
         if (this != &other) {
             document = other.document;
             wgs84 = other.wgs84;
-            Rebuild();
+            built = false;
         }
         return *this;
     }
 
-    void Rebuild() {
-        toWgs84.Create(document, wgs84);
-        fromWgs84.Create(wgs84, document);
+    void Rebuild() { built = false; }
+    const Projection& Built() const {
+        if (!built) {
+            toWgs84.Create(document, wgs84);
+            fromWgs84.Create(wgs84, document);
+            built = true;
+        }
+        return *this;
     }
 };
 
@@ -62,17 +70,31 @@ Geolocalisation::Geolocalisation() : m_projection(std::make_unique<Projection>()
     GeolocalisationElement::SetElevation(kDefaultElevationM);
     SetScaleFactor(kDefaultScaleFactor);
 
-    Projection& projection = *m_projection;
-    if (projection.document.ImportWkt(Gdal::kLambertNordFranceWkt)) {
-        SetEpsg(Gdal::kLambertNordFranceEpsg);
-    } else {
-        projection.document.SetWgs84();
-        SetEpsg(kWgs84Epsg);
-    }
-    SetWkt(projection.document.ExportWkt());
-    projection.wgs84.SetWgs84();
-    RebuildTransformations();
-    CenterOn(vek::Vector3(GetLatitude(), GetLongitude(), GetElevation()));
+    // Every network starts from the same projection centred on the same point: worked out once.
+    struct Default {
+        Projection projection;
+        uint32_t epsg = kWgs84Epsg;
+        std::string wkt;
+        vek::Vector3 centering;
+    };
+    static const Default kDefault = [] {
+        Default d;
+        if (d.projection.document.ImportWkt(Gdal::kLambertNordFranceWkt))
+            d.epsg = Gdal::kLambertNordFranceEpsg;
+        else
+            d.projection.document.SetWgs84();
+        d.wkt = d.projection.document.ExportWkt();
+        d.projection.wgs84.SetWgs84();
+        // GDAL takes longitude first.
+        double x = kDefaultLongitudeDeg, y = kDefaultLatitudeDeg, z = kDefaultElevationM;
+        if (!d.projection.document.IsEmpty() && d.projection.Built().fromWgs84.Transform(x, y, z))
+            d.centering = vek::Vector3(x, y, z);
+        return d;
+    }();
+    *m_projection = kDefault.projection;
+    SetEpsg(kDefault.epsg);
+    SetWkt(kDefault.wkt);
+    SetCentering(kDefault.centering);
 }
 
 Geolocalisation::Geolocalisation(const Geolocalisation& other)
@@ -100,7 +122,7 @@ bool Geolocalisation::GetOrviaCoord(const vek::Vector3& latLonElevation, vek::Ve
     local = vek::Vector3();
     const Projection& projection = *m_projection;
     if (projection.document.IsEmpty() || projection.wgs84.IsEmpty()) return false;
-    if (!projection.fromWgs84.Transform(x, y, z)) return false;
+    if (!projection.Built().fromWgs84.Transform(x, y, z)) return false;
     local = vek::Vector3(x, y, z) - GetCentering();
     return true;
 }
@@ -113,7 +135,7 @@ bool Geolocalisation::GetWgs84Coord(const vek::Vector3& local, vek::Vector3& lat
     latLonElevation = vek::Vector3();
     const Projection& projection = *m_projection;
     if (projection.document.IsEmpty() || projection.wgs84.IsEmpty()) return false;
-    if (!projection.toWgs84.Transform(x, y, z)) return false;
+    if (!projection.Built().toWgs84.Transform(x, y, z)) return false;
     latLonElevation = vek::Vector3(y, x, z);
     return true;
 }
