@@ -367,11 +367,9 @@ double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double t
             s1 = 0;
         }
         Sample(s1, 0, sample, &tangent, &hint);
-        if ((previous - sample.position).norm() < tolerance) {
-            if (IsFoot(p, sample, tangent, tolerance)) return s1;
-            return SearchNearestSafely(p, s1, tolerance);
-        }
         if (singleStep) return s1;
+        if ((previous - sample.position).norm() < tolerance)
+            return IsFoot(p, sample, tangent, tolerance) ? s1 : SearchNearestSafely(p, s1, tolerance);
         if (maxIterations < 1) return SearchNearestSafely(p, s1, tolerance);
         s0 = s1;
         --maxIterations;
