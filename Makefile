@@ -10,7 +10,7 @@ FUZZ_BUILD := build/fuzz
 EXAMPLE ?= examples/city_centre.xml
 ORVIA := build/dev/tools/orvia/orvia
 
-.PHONY: deps fuzz-deps configure build run test test-asan bench docs format install-test fuzz-smoke clean
+.PHONY: deps fuzz-deps configure build run test test-asan bench docs format install-test fuzz-smoke fuzz-merge clean
 
 # Installs those of the given Debian packages that are missing; does nothing when all are there.
 define install_packages
@@ -59,8 +59,14 @@ format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
 
 # The load fuzzer (clang, libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer) for FUZZ_SECONDS on a copy
-# of the seed corpora. A crash or a round trip that does not settle fails the target; the input that did it is
-# left in $(FUZZ_BUILD)/ as crash-*.
+# of the seed corpora: load, post-load, queries of the curves, axes and pieces, save and reload. A crash, a leak,
+# a query answering NaN or a round trip that does not settle fails the target; the input that did it is left in
+# $(FUZZ_BUILD)/ as crash-*. Inputs are cut at FUZZ_MAX_LEN bytes, which keeps a run at thousands of inputs per
+# second; allocation stacks are kept short for the same reason. `make fuzz-merge` minimises fuzz/corpus with
+# what a run grew.
+FUZZ_MAX_LEN ?= 2048
+FUZZ_OPTIONS = -dict=$(FUZZ_BUILD)/ruvex.dict -max_len=$(FUZZ_MAX_LEN) -timeout=10 -rss_limit_mb=2048
+FUZZ_ENV = ASAN_OPTIONS=malloc_context_size=2:detect_leaks=1
 fuzz-smoke: deps fuzz-deps
 	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DORVIA_FUZZ=ON \
 	  -DORVIA_BUILD_TESTS=OFF -DORVIA_BUILD_TOOLS=OFF
@@ -68,9 +74,14 @@ fuzz-smoke: deps fuzz-deps
 	rm -rf $(FUZZ_BUILD)/corpus && mkdir -p $(FUZZ_BUILD)/corpus
 	find fuzz/corpus tests/data -type f -exec cp {} $(FUZZ_BUILD)/corpus/ \;
 	./fuzz/dictionary.sh docs/format.md > $(FUZZ_BUILD)/ruvex.dict
-	$(FUZZ_BUILD)/fuzz/orvia_load_fuzz $(FUZZ_BUILD)/corpus -dict=$(FUZZ_BUILD)/ruvex.dict \
-	  -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-	  -artifact_prefix=$(FUZZ_BUILD)/
+	$(FUZZ_ENV) $(FUZZ_BUILD)/fuzz/orvia_load_fuzz $(FUZZ_BUILD)/corpus $(FUZZ_OPTIONS) \
+	  -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/
+
+fuzz-merge:
+	rm -rf $(FUZZ_BUILD)/merged && mkdir -p $(FUZZ_BUILD)/merged
+	$(FUZZ_ENV) $(FUZZ_BUILD)/fuzz/orvia_load_fuzz -merge=1 $(FUZZ_OPTIONS) $(FUZZ_BUILD)/merged fuzz/corpus \
+	  $(FUZZ_BUILD)/corpus
+	rm -f fuzz/corpus/* && cp $(FUZZ_BUILD)/merged/* fuzz/corpus/
 
 clean:
 	rm -rf build

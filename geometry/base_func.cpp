@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "golden_section.h"
+
 namespace {
 
 // Real roots of a u^2 + b u + c (degree dropping when a, then b, vanish), ascending; returns how many.
@@ -221,27 +223,11 @@ double BaseFunc::MaxCurvature(double u0, double u1, double& where) const {
     }
     where = lo + (hi - lo) * best / kCurvatureSamples;
     // Golden section for the maximum around the best sample.
-    double a = lo + (hi - lo) * std::max(0, best - 1) / kCurvatureSamples;
-    double b = lo + (hi - lo) * std::min(kCurvatureSamples, best + 1) / kCurvatureSamples;
-    constexpr double kGolden = 0.6180339887498949;
-    double x1 = b - kGolden * (b - a), x2 = a + kGolden * (b - a);
-    double f1 = magnitude(x1), f2 = magnitude(x2);
-    for (int i = 0; i < kCurvatureRefinements; ++i) {
-        if (f1 >= f2) {
-            b = x2;
-            x2 = x1;
-            f2 = f1;
-            x1 = b - kGolden * (b - a);
-            f1 = magnitude(x1);
-        } else {
-            a = x1;
-            x1 = x2;
-            f1 = f2;
-            x2 = a + kGolden * (b - a);
-            f2 = magnitude(x2);
-        }
-    }
-    const double refined = 0.5 * (a + b);
+    const double a = lo + (hi - lo) * std::max(0, best - 1) / kCurvatureSamples;
+    const double b = lo + (hi - lo) * std::min(kCurvatureSamples, best + 1) / kCurvatureSamples;
+    const Orvia::detail::Bracket bracket = Orvia::detail::GoldenSectionMinimum(
+        [&magnitude](double u) { return -magnitude(u); }, a, b, kCurvatureRefinements);
+    const double refined = 0.5 * (bracket.lo + bracket.hi);
     if (magnitude(refined) > bestValue) {
         where = refined;
         bestValue = magnitude(refined);

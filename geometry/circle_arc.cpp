@@ -7,8 +7,8 @@ CircleArc::CircleArc() {
 }
 
 CircleArc::CircleArc(double length, double curvature) {
-    m_Length = length;
-    m_Curvature = curvature;
+    m_Length = ConstructedLength(length);
+    m_Curvature = std::isfinite(curvature) ? curvature : 0;
     DataChanged();
 }
 
@@ -16,7 +16,7 @@ CircleArc::CircleArc(const CircleArc& other) = default;
 CircleArc::~CircleArc() = default;
 
 void CircleArc::SetLength(double length) {
-    if (length == m_Length) return;
+    if (length == m_Length || !IsValidLength(length)) return;
     m_Length = length;
     DataChanged();
 }
@@ -27,7 +27,7 @@ bool CircleArc::SetRawLength(double length) {
 }
 
 bool CircleArc::SetCurvature(double curvature) {
-    if (std::fabs(curvature) < kMinCurvature) return false;
+    if (!(std::fabs(curvature) >= kMinCurvature) || !std::isfinite(curvature)) return false;
     if (curvature != m_Curvature) {
         m_Curvature = curvature;
         DataChanged();
@@ -64,6 +64,8 @@ void CircleArc::Flip() {
 bool CircleArc::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
     Ruvex::CircleArcElement::LoadFromXMLElement(element, parser);
+    m_Length = ClampLoaded(m_Length, 0, kMaxLength, "length", element, parser);
+    m_Curvature = ClampLoaded(m_Curvature, -kMaxCurvature, kMaxCurvature, "curvature", element, parser);
     DataChanged();
     return true;
 }

@@ -11,46 +11,9 @@
 
 namespace {
 
-// Nodes of the heading integration, at most: a longer or sharper clothoid is integrated with wider steps.
-constexpr double kMaxNodes = 1 << 20;
-// The local expansion ends once two consecutive terms fall below this (relative to the first, 1); with the
-// node spacing the terms shrink at least like 0.25^m / m!, so about 13 are needed.
-constexpr double kExpansionTolerance = 1e-17;
-constexpr int kMaxExpansionTerms = 48;
-
-// 1 / n for n < kMaxExpansionTerms + 2: the expansion multiplies instead of dividing.
-struct Reciprocals {
-    std::array<double, kMaxExpansionTerms + 2> value{};
-    constexpr Reciprocals() {
-        for (int n = 1; n < kMaxExpansionTerms + 2; ++n)
-            value[n] = 1.0 / n;
-    }
-};
-constexpr Reciprocals kReciprocals;
-
-// integral_0^d exp(i (k v + c v^2 / 2)) dv: the chord, in the frame of the start tangent, of a clothoid of
-// start curvature k and curvature rate c after d metres. From the power series of the integrand, whose
-// coefficients follow from y' = i (k + c v) y; b[m] = a[m] d^m keeps the terms dimensionless.
-vek::Vector2 LocalChord(double k, double c, double d) {
-    const double alpha = k * d, beta = c * d * d;
-    double re0 = 1, im0 = 0;                // b[m - 1]
-    double re1 = 0, im1 = alpha;            // b[m], from m = 1
-    double sumRe = 1, sumIm = 0.5 * alpha;  // sum of b[m] / (m + 1)
-    for (int m = 1; m < kMaxExpansionTerms; ++m) {
-        // b[m + 1] = i (alpha b[m] + beta b[m - 1]) / (m + 1)
-        const double wRe = alpha * re1 + beta * re0, wIm = alpha * im1 + beta * im0;
-        const double re2 = -wIm * kReciprocals.value[m + 1], im2 = wRe * kReciprocals.value[m + 1];
-        sumRe += re2 * kReciprocals.value[m + 2];
-        sumIm += im2 * kReciprocals.value[m + 2];
-        re0 = re1;
-        im0 = im1;
-        re1 = re2;
-        im1 = im2;
-        if (std::fabs(re0) + std::fabs(im0) + std::fabs(re1) + std::fabs(im1) < kExpansionTolerance) break;
-    }
-    return {sumRe * d, sumIm * d};
-}
-
+// Nodes of the heading integration, at most: a longer or sharper clothoid is integrated with wider steps
+// (ClothoidChord holds for any step), and a change of data stays cheap.
+constexpr double kMaxNodes = 1 << 14;
 // Heading brought into (-pi, pi] the way atan2 of the tangent would give it, without the cost when it already
 // is.
 double WrapHeading(double heading) {
@@ -64,9 +27,9 @@ ClothoArc::ClothoArc() {
 }
 
 ClothoArc::ClothoArc(double length, double startCurvature, double endCurvature) {
-    m_Length = std::fabs(length);
-    m_StartCurvature = startCurvature;
-    m_EndCurvature = endCurvature;
+    m_Length = ConstructedLength(length);
+    m_StartCurvature = std::isfinite(startCurvature) ? startCurvature : 0;
+    m_EndCurvature = std::isfinite(endCurvature) ? endCurvature : 0;
     DataChanged();
 }
 
@@ -74,6 +37,8 @@ ClothoArc::ClothoArc(const ClothoArc& other) = default;
 ClothoArc::~ClothoArc() = default;
 
 void ClothoArc::SetLength(double length) {
+    // Refused before the rescale: its end curvature would not be finite.
+    if (!(std::fabs(length) <= kMaxLength)) return;
     const double old = m_Length;
     bool changed = false;
     if (old > kDegenerateTolerance) {
@@ -81,7 +46,7 @@ void ClothoArc::SetLength(double length) {
         changed = rescaled != m_EndCurvature;
         m_EndCurvature = rescaled;
     }
-    if (length >= 0 && length != old) {
+    if (IsValidLength(length) && length != old) {
         m_Length = length;
         changed = true;
     }
@@ -90,7 +55,7 @@ void ClothoArc::SetLength(double length) {
 }
 
 bool ClothoArc::SetRawLength(double length) {
-    if (length >= 0 && length != m_Length) {
+    if (IsValidLength(length) && length != m_Length) {
         m_Length = length;
         DataChanged();
     }
@@ -98,6 +63,7 @@ bool ClothoArc::SetRawLength(double length) {
 }
 
 bool ClothoArc::SetStartCurvature(double curvature) {
+    if (!std::isfinite(curvature)) return false;
     if (curvature != m_StartCurvature) {
         m_StartCurvature = curvature;
         DataChanged();
@@ -106,6 +72,7 @@ bool ClothoArc::SetStartCurvature(double curvature) {
 }
 
 bool ClothoArc::SetEndCurvature(double curvature) {
+    if (!std::isfinite(curvature)) return false;
     if (curvature != m_EndCurvature) {
         m_EndCurvature = curvature;
         DataChanged();
@@ -145,6 +112,11 @@ bool ClothoArc::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParse
     if (!element || !parser) return false;
     // Layouts before 2.3.0 hold the same attributes: the record's table reads them all.
     Ruvex::ClothoidArcElement::LoadFromXMLElement(element, parser);
+    m_Length = ClampLoaded(m_Length, 0, kMaxLength, "length", element, parser);
+    m_StartCurvature =
+        ClampLoaded(m_StartCurvature, -kMaxCurvature, kMaxCurvature, "startCurvature", element, parser);
+    m_EndCurvature =
+        ClampLoaded(m_EndCurvature, -kMaxCurvature, kMaxCurvature, "endCurvature", element, parser);
     DataChanged();
     return true;
 }
@@ -166,6 +138,12 @@ void ClothoArc::DataChanged() {
         m_nodes.clear();
     else
         BuildNodes();
+    if (m_shape == Shape::Clothoid) {
+        double endHeading = 0;
+        LocalPositionHeading(m_Length, m_endPosition, endHeading);
+        m_endCos = std::cos(LocalHeading(m_Length));
+        m_endSin = std::sin(LocalHeading(m_Length));
+    }
     ParametricFunction::DataChanged();
 }
 
@@ -189,7 +167,7 @@ void ClothoArc::BuildNodes() {
     m_nodes[0].curvature = k0;
     for (size_t i = 1; i <= n; ++i) {
         const Node& before = m_nodes[i - 1];
-        const vek::Vector2 chord = LocalChord(before.curvature, rate, m_nodeSpacing);
+        const vek::Vector2 chord = ClothoidChord(before.curvature, rate, m_nodeSpacing);
         Node& node = m_nodes[i];
         node.position =
             before.position + vek::Vector2(before.cosHeading * chord.x - before.sinHeading * chord.y,
@@ -208,7 +186,8 @@ vek::Vector2 ClothoArc::NodePosition(double s) const {
     const size_t i = index <= 0 ? 0 : std::min(last, static_cast<size_t>(index));
     const Node& node = m_nodes[i];
     const double rate = (m_EndCurvature - m_StartCurvature) / m_Length;
-    const vek::Vector2 chord = LocalChord(node.curvature, rate, s - m_nodeSpacing * static_cast<double>(i));
+    const vek::Vector2 chord =
+        ClothoidChord(node.curvature, rate, s - m_nodeSpacing * static_cast<double>(i));
     return node.position + vek::Vector2(node.cosHeading * chord.x - node.sinHeading * chord.y,
                                         node.sinHeading * chord.x + node.cosHeading * chord.y);
 }
@@ -256,7 +235,9 @@ void ClothoArc::LocalPositionHeading(double s, vek::Vector2& position, double& h
             heading = 0;
             return;
         case Shape::Clothoid:
-            if (m_useSeries) {
+            if (!(s >= 0 && s <= m_Length)) {
+                ExtrapolatedPositionHeading(s, position, heading);
+            } else if (m_useSeries) {
                 Func(s, position.x, position.y, heading);
             } else {
                 position = NodePosition(s);
@@ -273,6 +254,19 @@ void ClothoArc::LocalPositionHeading(double s, vek::Vector2& position, double& h
     if (k0 < 0 && m_circleRadius > 0) turn += vek::kPi;
     position = CircleArcLocalPosition(k0, m_circleRadius, s);
     heading = WrapHeading(turn);
+}
+
+void ClothoArc::ExtrapolatedPositionHeading(double s, vek::Vector2& position, double& heading) const {
+    const double rate = (m_EndCurvature - m_StartCurvature) / m_Length;
+    heading = WrapHeading(LocalHeading(s));
+    if (!(s > m_Length)) {
+        position = ClothoidChord(m_StartCurvature, rate, s);
+        return;
+    }
+    // From the end, so that the continuation meets the piece exactly.
+    const vek::Vector2 chord = ClothoidChord(m_EndCurvature, rate, s - m_Length);
+    position = m_endPosition +
+               vek::Vector2(m_endCos * chord.x - m_endSin * chord.y, m_endSin * chord.x + m_endCos * chord.y);
 }
 
 PointData ClothoArc::GetLocalPointData(double s) const {

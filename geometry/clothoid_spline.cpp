@@ -117,6 +117,7 @@ PointData ClothoidSpline::GetLocalPointData(double s) const {
 }
 
 void ClothoidSpline::SetLength(double length) {
+    if (!IsValidLength(length)) return;
     const size_t n = m_controlPoints.size();
     bool cut = false;
     if (length < m_curveLength && n >= 2) {

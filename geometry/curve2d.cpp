@@ -14,6 +14,8 @@
 #include <orvia/geometry/segment.h>
 #include <orvia/vek/math.h>
 
+#include "golden_section.h"
+
 namespace Orvia {
 
 namespace {
@@ -81,6 +83,9 @@ size_t FindInBuckets(const std::vector<Record>& records, const std::vector<uint3
     return i < records.size() && HoldsAlone(records, i, s) ? i : Curve2D::npos;
 }
 
+// -ln(0.618): what one golden-section step shrinks the bracket by, as a logarithm.
+constexpr double kGoldenShrink = 0.48121182505960347;
+
 // s - start clamped to the record's span, by hand: a piece of negative length (a reversed segment) has its
 // bounds the wrong way round.
 template <class Record>
@@ -117,7 +122,9 @@ void Curve2D::UpdateParametricFunctionVector() {
     for (const Ruvex::CountedPtr<Ruvex::Element>& element : m_Functions) {
         auto* function = dynamic_cast<ParametricFunction*>(element.Get());
         if (!function) continue;
-        const double end = start + function->GetLength();
+        // A piece of another class may report any length: one that is not finite owns no abscissa.
+        const double pieceLength = function->GetLength();
+        const double end = start + (std::isfinite(pieceLength) ? pieceLength : 0);
         const std::type_info& type = typeid(*function);
         const Kind kind = type == typeid(Segment)     ? Kind::Segment
                           : type == typeid(CircleArc) ? Kind::CircleArc
@@ -239,6 +246,7 @@ double Curve2D::GetFunctionStartLength(size_t index) const {
 // Geometry
 
 void Curve2D::SetLength(double length) {
+    if (!std::isfinite(length)) return;
     length = std::max(length, kMinLength);
     if (m_records.empty()) return;
     const double current = GetLength();
@@ -285,6 +293,11 @@ bool Curve2D::Sample(double s, double t, PointData& out, vek::Vector2* tangent, 
         if (tangent) *tangent = out.GetTangent();
         return true;
     }
+    SampleWithin(s, t, out, tangent, hint);
+    return true;
+}
+
+void Curve2D::SampleWithin(double s, double t, PointData& out, vek::Vector2* tangent, size_t* hint) const {
     const size_t i = RecordAt(s, hint ? *hint : npos);
     if (hint) *hint = i;
     const Record& record = m_records[i];
@@ -309,7 +322,6 @@ bool Curve2D::Sample(double s, double t, PointData& out, vek::Vector2* tangent, 
     }
     if (t != 0) OffsetSample(t, unit, out);
     if (tangent) *tangent = unit;
-    return true;
 }
 
 void Curve2D::OffsetPointData(double t, PointData& pd) {
@@ -317,8 +329,11 @@ void Curve2D::OffsetPointData(double t, PointData& pd) {
 }
 
 bool Curve2D::ComputePointDataOutside(double sRef, double s, double t, PointData& out) const {
+    if (m_records.empty()) return false;
+    // Sampled within the table whatever its length says (a negative one puts 0 outside [0, length]): the
+    // end sample never comes back here.
     PointData end;
-    if (!GetPointData(sRef, 0, end)) return false;
+    SampleWithin(sRef, 0, end, nullptr, nullptr);
     const vek::Vector2 tangent = end.GetTangent();
     const vek::Vector2 left(-tangent.y, tangent.x);
     out.position = end.position + tangent * (s - sRef) - left * t;
@@ -330,6 +345,7 @@ bool Curve2D::ComputePointDataOutside(double sRef, double s, double t, PointData
 double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double tolerance,
                                       int maxIterations) const {
     if (m_records.empty()) return s0;
+    if (!std::isfinite(p.x) || !std::isfinite(p.y)) return std::numeric_limits<double>::quiet_NaN();
     const double length = GetLength();
     const double ratio = length > 0 ? s0 / length : 0;
     if (!vek::contains(ratio, kStartRatioMin, kStartRatioMax)) s0 = 0;
@@ -338,6 +354,7 @@ double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double t
     PointData sample;
     vek::Vector2 tangent;
     Sample(s0, 0, sample, &tangent, &hint);
+    const bool singleStep = maxIterations < 1;
     for (;;) {
         vek::Vector2 previous = sample.position;
         double s1 = s0 + kNewtonDamping * (p - sample.position).dot(tangent);
@@ -350,10 +367,121 @@ double Curve2D::SearchNearestAbscissa(const vek::Vector2& p, double s0, double t
             s1 = 0;
         }
         Sample(s1, 0, sample, &tangent, &hint);
-        if ((previous - sample.position).norm() < tolerance || maxIterations < 1) return s1;
+        if (singleStep) return s1;
+        if ((previous - sample.position).norm() < tolerance)
+            return IsFoot(p, sample, tangent, tolerance) ? s1 : SearchNearestSafely(p, s1, tolerance);
+        if (maxIterations < 1) return SearchNearestSafely(p, s1, tolerance);
         s0 = s1;
         --maxIterations;
     }
+}
+
+bool Curve2D::IsFoot(const vek::Vector2& p, const PointData& sample, const vek::Vector2& tangent,
+                     double tolerance) {
+    // The full Newton step from there, residual / (1 - k n): the distance to the foot along the curve. A
+    // small damped step alone proves nothing near the centre of curvature, where the residual is small
+    // everywhere; beyond the centre (1 - k n <= 0) the sample is a farthest point.
+    const vek::Vector2 offset = p - sample.position;
+    const double along = offset.dot(tangent), normal = tangent.cross(offset);
+    const double stiffness = 1 - sample.curvature * normal;
+    return stiffness > 0 && std::fabs(along) <= kFootStepTolerance * tolerance * stiffness;
+}
+
+double Curve2D::SearchNearestSafely(const vek::Vector2& p, double sIteration, double tolerance) const {
+    size_t hint = npos;
+    PointData sample;
+    auto squared = [&](double s) {
+        Sample(s, 0, sample, nullptr, &hint);
+        return (sample.position - p).squaredNorm();
+    };
+    double best = sIteration, bestDistance = squared(sIteration);
+    auto consider = [&](double s, double squaredDistance) {
+        if (squaredDistance < bestDistance) best = s, bestDistance = squaredDistance;
+    };
+    // The straight extensions: their feet in closed form.
+    double s = 0, d = 0;
+    if (ComputeAbscissaDistBefore(p, s, d)) consider(s, d * d);
+    if (ComputeAbscissaDistAfter(p, s, d)) consider(s, d * d);
+
+    // The curve itself: the nearest of samples spaced by at most kBracketTurn of turning on each piece,
+    // bracketed by its neighbours.
+    double before = 0, sampleBest = 0, after = 0, sampleDistance = std::numeric_limits<double>::infinity();
+    double last = 0;
+    bool takeNext = false;
+    for (const Record& record : m_records) {
+        const double span = record.end - record.start;
+        if (!(span > 0)) continue;
+        const int intervals = BracketIntervals(record);
+        for (int i = record.start == 0 ? 0 : 1; i <= intervals; ++i) {
+            const double at = record.start + span * i / intervals;
+            const double squaredDistance = squared(at);
+            if (takeNext) after = at, takeNext = false;
+            if (squaredDistance < sampleDistance) {
+                sampleDistance = squaredDistance;
+                before = last;
+                sampleBest = at;
+                after = at;
+                takeNext = true;
+            }
+            last = at;
+        }
+    }
+    if (sampleDistance < std::numeric_limits<double>::infinity()) {
+        consider(sampleBest, sampleDistance);
+        const double refined = RefineNearest(p, std::min(before, sampleBest), after, tolerance);
+        consider(refined, squared(refined));
+    }
+    return best;
+}
+
+int Curve2D::BracketIntervals(const Record& record) {
+    const double span = record.end - record.start;
+    double turn = 0;
+    switch (record.kind) {
+        case Kind::Segment:
+            return 1;
+        case Kind::CircleArc:
+            turn = std::fabs(static_cast<const CircleArc*>(record.function)->GetCurvature()) * span;
+            break;
+        case Kind::ClothoArc: {
+            const auto* arc = static_cast<const ClothoArc*>(record.function);
+            turn = std::max(std::fabs(arc->GetStartCurvature()), std::fabs(arc->GetEndCurvature())) * span;
+            break;
+        }
+        case Kind::Other:
+            return kOtherBracketIntervals;
+    }
+    return static_cast<int>(std::clamp(std::ceil(turn / kBracketTurn), 1.0, double(kMaxBracketIntervals)));
+}
+
+double Curve2D::RefineNearest(const vek::Vector2& p, double lo, double hi, double tolerance) const {
+    size_t hint = npos;
+    PointData sample;
+    vek::Vector2 tangent;
+    auto residual = [&](double s) {
+        Sample(s, 0, sample, &tangent, &hint);
+        return (p - sample.position).dot(tangent);
+    };
+    const double resolution = std::max(tolerance, kMinBracketWidth * std::max(1.0, std::fabs(hi)));
+    // The residual falls through zero at the foot: bisection on it keeps full precision, where the squared
+    // distance is flat.
+    if (residual(lo) > 0 && residual(hi) < 0) {
+        for (int i = 0; i < kMaxRefinements && hi - lo > resolution; ++i) {
+            const double mid = 0.5 * (lo + hi);
+            (residual(mid) > 0 ? lo : hi) = mid;
+        }
+        return 0.5 * (lo + hi);
+    }
+    // A corner between pieces or an end: the squared distance, by golden section.
+    const int steps = static_cast<int>(std::clamp(std::ceil(std::log((hi - lo) / resolution) / kGoldenShrink),
+                                                  0.0, double(kMaxRefinements)));
+    const detail::Bracket bracket = detail::GoldenSectionMinimum(
+        [&](double s) {
+            Sample(s, 0, sample, nullptr, &hint);
+            return (sample.position - p).squaredNorm();
+        },
+        lo, hi, steps);
+    return 0.5 * (bracket.lo + bracket.hi);
 }
 
 bool Curve2D::ComputeAbscissaDistOutside(const vek::Vector2& p, double sRef, double& s, double& d) const {

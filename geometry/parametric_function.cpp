@@ -1,7 +1,9 @@
 #include <orvia/geometry/parametric_function.h>
 
 #include <cmath>
+#include <cstdio>
 
+#include <orvia/ruvex/dom.h>
 #include <orvia/ruvex/element.h>
 #include <orvia/vek/math.h>
 
@@ -27,7 +29,7 @@ vek::Vector2 ParametricFunction::GetStartPosition() const {
 }
 
 void ParametricFunction::SetStartPosition(const vek::Vector2& position) {
-    if (position == m_startPosition) return;
+    if (position == m_startPosition || !std::isfinite(position.x) || !std::isfinite(position.y)) return;
     m_startPosition = position;
     DataChanged();
 }
@@ -37,6 +39,7 @@ double ParametricFunction::GetStartOrientation() const {
 }
 
 void ParametricFunction::SetStartOrientation(double orientation) {
+    if (!std::isfinite(orientation)) return;
     double turns = std::trunc(orientation / vek::kTwoPi);
     if (orientation < 0) turns -= 1;
     double normalized = orientation - turns * vek::kTwoPi;
@@ -104,4 +107,17 @@ vek::Vector2 ParametricFunction::LocalToGlobal(const vek::Vector2& local) const 
 
 vek::Vector2 ParametricFunction::GlobalToLocal(const vek::Vector2& global) const {
     return m_globalToLocal.apply(global);
+}
+
+double ParametricFunction::ClampLoaded(double value, double lo, double hi, const char* attribute,
+                                       Ruvex::IDOMElement* where, Ruvex::IDOMParser* parser) const {
+    if (value >= lo && value <= hi) return value;
+    const double clamped = value < lo ? lo : hi;
+    if (parser) {
+        char text[160];
+        std::snprintf(text, sizeof text, "attribute \"%s\" of <%s> is %.17g, outside [%g, %g]: read as %g",
+                      attribute, GetElement()->GetTagName().c_str(), value, lo, hi, clamped);
+        parser->ReportWarning(where, text);
+    }
+    return clamped;
 }

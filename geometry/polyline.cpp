@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "golden_section.h"
+
 #include <orvia/ruvex/dom.h>
 #include <orvia/vek/math.h>
 
@@ -233,27 +235,11 @@ double PolyLine::GetPointDataFromGlobalPoint(const vek::Vector2& global, PointDa
         }
     }
     const double step = length / static_cast<double>(count);
-    double lo = std::max(0.0, (static_cast<double>(best) - 1) * step);
-    double hi = std::min(length, (static_cast<double>(best) + 1) * step);
-    constexpr double kGolden = 0.6180339887498949;
-    double a = hi - kGolden * (hi - lo), b = lo + kGolden * (hi - lo);
-    double da = distance(a), db = distance(b);
-    for (int i = 0; i < kNearestRefinements; ++i) {
-        if (da <= db) {
-            hi = b;
-            b = a;
-            db = da;
-            a = hi - kGolden * (hi - lo);
-            da = distance(a);
-        } else {
-            lo = a;
-            a = b;
-            da = db;
-            b = lo + kGolden * (hi - lo);
-            db = distance(b);
-        }
-    }
-    double s = 0.5 * (lo + hi);
+    const double lo = std::max(0.0, (static_cast<double>(best) - 1) * step);
+    const double hi = std::min(length, (static_cast<double>(best) + 1) * step);
+    const Orvia::detail::Bracket bracket =
+        Orvia::detail::GoldenSectionMinimum(distance, lo, hi, kNearestRefinements);
+    double s = 0.5 * (bracket.lo + bracket.hi);
     // A bracket on a squared distance only narrows to sqrt(epsilon); projecting onto the local tangent gives
     // the rest.
     for (int i = 0; i < kNearestProjections; ++i) {

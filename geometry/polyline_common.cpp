@@ -96,7 +96,7 @@ double PolyLineCommonData::GetPolylineLength() const {
 }
 
 void PolyLineCommonData::SetPolylineLength(double length) {
-    if (length < 0) return;
+    if (!IsValidLength(length)) return;
     if (length == 0) {
         ClearControlPoints();
         return;

@@ -5,7 +5,7 @@ Segment::Segment() {
 }
 
 Segment::Segment(double length) {
-    m_Length = length;
+    m_Length = ConstructedLength(length);
     DataChanged();
 }
 
@@ -13,7 +13,7 @@ Segment::Segment(const Segment& other) = default;
 Segment::~Segment() = default;
 
 void Segment::SetLength(double length) {
-    if (length == m_Length) return;
+    if (length == m_Length || !IsValidLength(length)) return;
     m_Length = length;
     DataChanged();
 }
@@ -47,6 +47,7 @@ uint64_t Segment::Release() {
 bool Segment::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
     Ruvex::SegmentElement::LoadFromXMLElement(element, parser);
+    m_Length = ClampLoaded(m_Length, 0, kMaxLength, "length", element, parser);
     DataChanged();
     return true;
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -55,6 +56,26 @@ double TrueNearestAbscissa(const Curve2D& curve, const vek::Vector2& p) {
         (FootResidual(curve, p, mid) > 0 ? lo : hi) = mid;
     }
     return 0.5 * (lo + hi);
+}
+
+// The nearest point of the curve and its straight extensions by brute force: the nearest of samples every
+// `step` (m) over [-margin, length + margin], then bisection on the tangential residual around it. Its
+// distance.
+double DenseNearest(const Curve2D& curve, const vek::Vector2& p, double margin, double step,
+                    double& abscissa) {
+    double bestDistance = INFINITY;
+    for (double s = -margin; s <= curve.GetLength() + margin; s += step) {
+        const double d = (Sample(curve, s).position - p).norm();
+        if (d < bestDistance) bestDistance = d, abscissa = s;
+    }
+    double lo = abscissa - step, hi = abscissa + step;
+    if (FootResidual(curve, p, lo) > 0 && FootResidual(curve, p, hi) < 0)
+        for (int i = 0; i < 60; ++i) {
+            const double mid = 0.5 * (lo + hi);
+            (FootResidual(curve, p, mid) > 0 ? lo : hi) = mid;
+        }
+    abscissa = 0.5 * (lo + hi);
+    return std::min(bestDistance, (Sample(curve, abscissa).position - p).norm());
 }
 
 }  // namespace
@@ -141,10 +162,10 @@ TEST(Curve2D, SearchNearestAbscissaEdgeCases) {
     EXPECT_NEAR(line.SearchNearestAbscissa({4, 1}, 12.5, 1e-9, 0), 2, 1e-12);
     EXPECT_NEAR(line.SearchNearestAbscissa({4, 1}, -1.9, 1e-9, 0), -1.9 + 0.5 * 5.9, 1e-12);
     EXPECT_NEAR(line.SearchNearestAbscissa({4, 1}, -2.1, 1e-9, 0), 2, 1e-12);
-    // A step leaving [-L, 2L] restarts from 0, every time: the result is the start. Within 2L the foot lies
-    // on the extension.
-    EXPECT_EQ(line.SearchNearestAbscissa({100, 0}, 5, 1e-6, 50), 0);
-    EXPECT_EQ(line.SearchNearestAbscissa({25, 0}, 5, 1e-9, 200), 0);
+    // A step leaving [-L, 2L] restarts from 0, every time, and the steps never settle: the safeguarded
+    // search finds the foot on the extension. Within 2L the steps reach it themselves.
+    EXPECT_NEAR(line.SearchNearestAbscissa({100, 0}, 5, 1e-6, 50), 100, 1e-6);
+    EXPECT_NEAR(line.SearchNearestAbscissa({25, 0}, 5, 1e-9, 200), 25, 1e-9);
     EXPECT_NEAR(line.SearchNearestAbscissa({18, 0}, 5, 1e-9, 200), 18, 1e-8);
 }
 
@@ -168,6 +189,57 @@ TEST(Curve2D, SearchNearestAbscissaFindsTheTrueFoot) {
             std::fabs(curve.SearchNearestAbscissa(p, start, 1e-7, 1000) - TrueNearestAbscissa(curve, p));
         EXPECT_LT(error, 1e-6) << "point " << i;
     }
+}
+
+// Where the damped steps do not settle, the answer is the nearest point, checked against dense sampling. Far
+// outside a bend the steps used to cycle between two abscissas, near its centre to stall, and the search
+// returned wherever they stopped, tens of metres off.
+TEST(Curve2D, SearchNearestAbscissaFallsBackWhereTheStepsFail) {
+    CountedPtr<Curve2D> curve = LShape();
+    const vek::Vector2 centre(10, 10);
+    struct Case {
+        vek::Vector2 p;
+        double s0;
+    };
+    const vek::Vector2 outward = vek::Vector2(1, -1).normalized();
+    const Case cases[] = {// Three to ten radii outside the bend, starting on the arc.
+                          {centre + outward * 40, 10 + 2.5 * kPi},
+                          {centre + outward * 55, 12},
+                          {centre + outward * 100, 24},
+                          {centre + vek::Vector2(0.5, -1) * 60, 11},
+                          // Near the centre of curvature, starting a quarter of the arc away from the foot.
+                          {centre + vek::Vector2(0.3, -0.2), 11},
+                          {centre + vek::Vector2(-0.05, -0.4), 10 + 4.5 * kPi},
+                          {centre + vek::Vector2(0.02, -0.03), 10 + 0.5 * kPi}};
+    for (const Case& c : cases) {
+        double expected = 0;
+        const double nearest = DenseNearest(*curve, c.p, 150, 0.005, expected);
+        for (int iterations : {3, 100}) {
+            const double found = curve->SearchNearestAbscissa(c.p, c.s0, 1e-7, iterations);
+            EXPECT_NEAR((Sample(*curve, found).position - c.p).norm(), nearest, 1e-9)
+                << c.p.x << " " << c.p.y;
+            // The foot is unique for these points, though ill-conditioned near the centre.
+            EXPECT_NEAR(found, expected, (c.p - centre).norm() < 1 ? 1e-3 : 1e-6) << c.p.x << " " << c.p.y;
+        }
+    }
+    // Bends of every kind, points anywhere within 200 m, starts anywhere: never farther than the nearest.
+    std::mt19937 rng(77);
+    Curve2D mixed;
+    axis_test::AddMixedPieces(mixed, rng, 12, 0.08, {0, 0}, 1.2);
+    std::uniform_real_distribution<double> coordinate(-200, 200), start(-0.5, 1.5);
+    for (int i = 0; i < 40; ++i) {
+        const vek::Vector2 p(coordinate(rng), coordinate(rng));
+        double expected = 0;
+        const double nearest = DenseNearest(mixed, p, 300, 0.05, expected);
+        const double found = mixed.SearchNearestAbscissa(p, start(rng) * mixed.GetLength(), 1e-7, 50);
+        EXPECT_LT((Sample(mixed, found).position - p).norm(), nearest + 1e-9) << i;
+    }
+    // A point that is not finite has no nearest abscissa; NaN as a start is one outside the length (0).
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(std::isnan(curve->SearchNearestAbscissa({nan, 3}, 5, 1e-6, 20)));
+    EXPECT_TRUE(std::isnan(curve->SearchNearestAbscissa({1, INFINITY}, 5, 1e-6, 20)));
+    EXPECT_NEAR(curve->SearchNearestAbscissa({4, 0.5}, nan, 1e-9, 100), 4, 1e-8);
+    EXPECT_EQ(Curve2D().SearchNearestAbscissa({nan, 3}, 5, 1e-6, 20), 5);
 }
 
 TEST(Curve2D, ComputeAbscissaDistOnTheExtensions) {

@@ -17,16 +17,16 @@ using Ruvex::CountedPtr;
 constexpr double kPi = vek::kPi;
 
 // Point reached after s metres along the curve whose heading is h0 + k0 s + dk s^2 / 2 from (x0, y0):
-// composite 8-point Gauss-Legendre quadrature of (cos h, sin h) in long double, 500 panels (error far below
-// 1e-10 m over 200 m).
-vek::Vector2 IntegrateHeading(double x0, double y0, double h0, double k0, double dk, double s) {
+// composite 8-point Gauss-Legendre quadrature of (cos h, sin h) in long double, 500 panels by default (error
+// far below 1e-10 m over 200 m; more panels where the heading turns faster).
+vek::Vector2 IntegrateHeading(double x0, double y0, double h0, double k0, double dk, double s,
+                              int kPanels = 500) {
     static constexpr std::array<long double, 4> kNodes = {
         0.1834346424956498049394761L, 0.5255324099163289858177390L, 0.7966664774136267395915539L,
         0.9602898564975362316835609L};
     static constexpr std::array<long double, 4> kWeights = {
         0.3626837833783619829651504L, 0.3137066458778872873379622L, 0.2223810344533744705443560L,
         0.1012285362903762591525314L};
-    constexpr int kPanels = 500;
     const long double h = static_cast<long double>(s) / kPanels;
     long double x = x0, y = y0;
     for (int p = 0; p < kPanels; ++p) {
@@ -236,6 +236,59 @@ TEST(ClothoArc, AgreesWithIntegratedHeading) {
             EXPECT_NEAR(vek::normalizeAngle(pd.heading - heading), 0, c.headingTolerance) << where;
             EXPECT_NEAR(pd.curvature, c.k0 + rate * s, 1e-12) << where;
         }
+    }
+}
+
+// Sampled directly far beyond its ends, a clothoid goes on as itself. The series of the piece used to be
+// summed there too, millions of metres off at 2.5 lengths.
+TEST(ClothoArc, ContinuesAsTheClothoidBeyondItsEnds) {
+    struct Case {
+        double length, k0, k1, tolerance;  // m
+    };
+    const Case cases[] = {
+        {100, 0, 0.05, 1e-7},
+        {200, 0.05, -0.04, 1e-7},
+        {80, -0.08, -0.01, 1e-7},
+        {60, 0.2, 0.05, 1e-7},
+        // Beyond the series' reach inside the piece too; and a very gentle transition, which
+        // carries the series' error at its end (see AgreesWithIntegratedHeading) beyond it.
+        {50, -0.5, -0.45, 1e-7},
+        {200, 0.0029, 0.0030, 2000 * 8e-9}};
+    for (const Case& c : cases) {
+        ClothoArc arc(c.length, c.k0, c.k1);
+        arc.SetStartPosition({30, -20});
+        arc.SetStartOrientation(0.7);
+        const double rate = (c.k1 - c.k0) / c.length;
+        for (double f : {-6.0, -2.5, -1.0, -0.01, 1.01, 1.5, 2.5, 4.0, 10.0}) {
+            const double s = f * c.length;
+            const std::string where =
+                std::to_string(c.k0) + " -> " + std::to_string(c.k1) + " at " + std::to_string(s);
+            const vek::Vector2 exact = IntegrateHeading(30, -20, 0.7, c.k0, rate, s, 8000);
+            const PointData pd = arc.GetPointData(s);
+            EXPECT_NEAR(pd.position.x, exact.x, c.tolerance) << where;
+            EXPECT_NEAR(pd.position.y, exact.y, c.tolerance) << where;
+            EXPECT_NEAR(vek::normalizeAngle(pd.heading - (0.7 + c.k0 * s + 0.5 * rate * s * s)), 0, 1e-8)
+                << where;
+            EXPECT_NEAR(pd.curvature, c.k0 + rate * s, 1e-12) << where;
+        }
+        // Continuous where the piece ends.
+        for (double end : {0.0, c.length}) {
+            const PointData at = arc.GetPointData(end), beyond = arc.GetPointData(end + (end ? 1e-9 : -1e-9));
+            EXPECT_TRUE(vek::isEqual(at.position, beyond.position, 1e-8)) << end;
+        }
+    }
+    // Any distance out, the spiral stays within its asymptotic point's reach: finite and bounded.
+    ClothoArc spiral(10, 0, 1);
+    for (double s : {1e3, 1e6, 1e9, -1e9}) {
+        const PointData pd = spiral.GetPointData(s);
+        EXPECT_LT(pd.position.norm(), 10) << s;
+    }
+    // The Cornu integral itself, against quadrature of its integrand on both sides of the series' limit.
+    for (double u : {-7.3, -1.9, -0.4, 0.0, 1.2, 1.87, 1.89, 3.0, 25.0}) {
+        const vek::Vector2 exact = IntegrateHeading(0, 0, 0, 0, 2, u, 4000);
+        const vek::Vector2 value = CornuIntegral(u);
+        EXPECT_NEAR(value.x, exact.x, 1e-13) << u;
+        EXPECT_NEAR(value.y, exact.y, 1e-13) << u;
     }
 }
 

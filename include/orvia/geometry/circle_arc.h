@@ -31,18 +31,20 @@ public:
 
     // Length 1 m, curvature 1/m.
     CircleArc();
-    // Stored as given (a zero curvature is kept, see kMinCurvature).
+    // Stored as given (a zero curvature is kept, see kMinCurvature), the length through ConstructedLength; a
+    // curvature that is not finite is stored as 0.
     CircleArc(double length, double curvature);
     CircleArc(const CircleArc& other);
     ~CircleArc() override;
 
     double GetLength() const override { return m_Length; }
+    // A length outside [0, kMaxLength] (NaN included) is refused. SetRawLength returns true.
     void SetLength(double length) override;
     bool SetRawLength(double length);
 
     // 1/m, positive turning left.
     double GetCurvature() const { return m_Curvature; }
-    // False (nothing changes) when |curvature| < kMinCurvature.
+    // False (nothing changes) when |curvature| < kMinCurvature or it is not finite.
     bool SetCurvature(double curvature);
 
     CircleArc* Clone() const override;

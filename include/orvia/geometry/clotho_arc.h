@@ -23,21 +23,23 @@ public:
 
     // Length 1 m, curvature 0 -> 0.01 /m.
     ClothoArc();
-    // The length is stored as its absolute value.
+    // The length is stored through ConstructedLength (its absolute value); a curvature that is not finite as
+    // 0.
     ClothoArc(double length, double startCurvature, double endCurvature);
     ClothoArc(const ClothoArc& other);
     ~ClothoArc() override;
 
     double GetLength() const override { return m_Length; }
     // Keeps the rate of change of curvature: the end curvature is rescaled first (when the old length exceeds
-    // kDegenerateTolerance, even if the new length is then refused); a negative length is refused.
+    // kDegenerateTolerance, even if the new length is then refused); a negative length is refused, and one
+    // whose magnitude exceeds kMaxLength (NaN included) is refused before the rescale.
     void SetLength(double length) override;
-    // Sets the length alone, curvatures unchanged; a negative length is ignored. Returns true.
+    // Sets the length alone, curvatures unchanged; a length outside [0, kMaxLength] is ignored. Returns true.
     bool SetRawLength(double length);
 
     double GetStartCurvature() const { return m_StartCurvature; }
     double GetEndCurvature() const { return m_EndCurvature; }
-    // 1/m, positive turning left. Return true.
+    // 1/m, positive turning left. True, or false (nothing changes) for a value that is not finite.
     bool SetStartCurvature(double curvature);
     bool SetEndCurvature(double curvature);
 
@@ -62,7 +64,10 @@ protected:
     void DataChanged() override;
     // Position from the Cornu series (CCornuFunc's accuracy, scaled by the clothoid scale a; see kSeriesRange
     // for clothoids beyond its reach); heading k0 s + (k1 - k0) s^2 / (2 length) brought into (-pi, pi];
-    // curvature linear in s. Degenerate pieces: see kDegenerateTolerance.
+    // curvature linear in s. Degenerate pieces: see kDegenerateTolerance. Outside [0, length] the piece goes
+    // on as the same clothoid, whatever the distance (see ClothoidChord), from its start before it and from
+    // its end beyond it: continuous at both ends, curvature still linear in s, spiralling in towards the
+    // asymptotic points.
     PointData GetLocalPointData(double s) const override;
     // Runs backwards: (k0, k1) = (-k1, -k0).
     void InvertLocalData() override;
@@ -93,6 +98,8 @@ private:
     // Position and heading of GetLocalPointData(s).
     void LocalPositionHeading(double s, vek::Vector2& position, double& heading) const;
     void BuildNodes();
+    // Position and heading of the clothoid at s outside [0, length].
+    void ExtrapolatedPositionHeading(double s, vek::Vector2& position, double& heading) const;
     vek::Vector2 NodePosition(double s) const;
 
     CCornuFunc m_cornu;
@@ -108,4 +115,7 @@ private:
     bool m_useSeries = true;    // the Cornu parameter stays within kSeriesRange
     std::vector<Node> m_nodes;  // at i * m_nodeSpacing, i = 0 .. n (the last at the length)
     double m_nodeSpacing = 0;
+    // The clothoid's local end point and the cosine and sine of its local end heading.
+    vek::Vector2 m_endPosition;
+    double m_endCos = 1, m_endSin = 0;
 };

@@ -31,7 +31,7 @@ public:
     // tangent line at P meets behind P (nearest such edge; failing one, the edge P projects onto) and then
     // ends with that crossing point and P, so the refitted curve ends at P along the same tangent; its new
     // length is close to L, not equal. Lengthening, or a cut that finds no edge, scales the polygon length by
-    // L / curve length.
+    // L / curve length. Lengths outside [0, kMaxLength] (NaN included) are ignored.
     void SetLength(double length) override;
 
     // Pieces in the piece's own frame, and the same pieces placed by the start position and orientation.

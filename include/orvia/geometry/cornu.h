@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include <orvia/vek/vector.h>
+
 // (xScale * X(t), yScale * Y(t)) with X(t) = integral_0^t cos(u^2) du and Y(t) = integral_0^t sin(u^2) du,
 // summed from their Maclaurin series two terms at a time. Each series stops after the first pair whose
 // magnitude is below kPairTolerance (that pair included), and after kMaxPairs pairs at most. Against the
@@ -55,3 +57,13 @@ private:
     CCornuFunc m_cornu;
     double m_factor;  // sqrt(2 / pi)
 };
+
+// (X(u), Y(u)) = integral_0^u exp(i v^2) dv for any u, within about 1e-15 (absolute): the power series near
+// 0, the continued fraction of the tail beyond. Unlike CCornuFunc it holds far along the spiral.
+vek::Vector2 CornuIntegral(double u);
+
+// End point, in the frame of its start tangent, of a clothoid that starts with curvature k (1/m) and whose
+// curvature changes by rate (1/m^2) per metre, after d metres (either sign):
+// integral_0^d exp(i (k v + rate v^2 / 2)) dv. Finite for any finite arguments; within about 1e-15 of the
+// radius (or of d, on gentle pieces) wherever the piece lies, as far out as it goes.
+vek::Vector2 ClothoidChord(double k, double rate, double d);

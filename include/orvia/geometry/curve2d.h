@@ -10,6 +10,7 @@
 #include <orvia/geometry/point_data.h>
 #include <orvia/ruvex/elements/curves.h>
 #include <orvia/vek/box.h>
+#include <orvia/vek/math.h>
 #include <orvia/vek/vector.h>
 
 namespace Orvia {
@@ -39,6 +40,20 @@ public:
     // Fraction of the tangential distance moved per iteration (unitless): halving keeps the iteration
     // from jumping past the foot point where the curve bends towards the point.
     static constexpr double kNewtonDamping = 0.5;
+    // The Newton steps' result stands when the full Newton step from it is within this many tolerances
+    // (unitless): the damped steps leave up to three times their last step near a bend's inside.
+    static constexpr double kFootStepTolerance = 4;
+    // Largest turn (radians) between two samples of the safeguarded search: within two such intervals the
+    // distance to a point has one minimum on an arc or a clothoid.
+    static constexpr double kBracketTurn = vek::kPi / 4;
+    // Samples per piece of the safeguarded search: at most this many intervals on a piece (a piece turning
+    // more is sampled more coarsely), and this many on a piece of another class, whose turn is unknown.
+    static constexpr int kMaxBracketIntervals = 64;
+    static constexpr int kOtherBracketIntervals = 32;
+    // Refinement of the safeguarded search: steps at most, and the narrowest bracket relative to the
+    // abscissa (unitless), below which rounding decides.
+    static constexpr int kMaxRefinements = 200;
+    static constexpr double kMinBracketWidth = 1e-15;
 
     Curve2D();
     // Deep: the pieces are cloned; other elements of the list are shared.
@@ -82,7 +97,8 @@ public:
     // Sum of the piece lengths (m), 0 when empty.
     double GetLength() const { return m_records.empty() ? 0 : m_records.back().end; }
     // Makes the length max(length, kMinLength): shortening cuts the piece holding the new end and drops
-    // those after it; lengthening stretches the last piece (by its own SetLength rule). Nothing when empty.
+    // those after it; lengthening stretches the last piece (by its own SetLength rule). Nothing when empty
+    // or when length is not finite.
     void SetLength(double length);
 
     // Sample at (s, t). Within [0, length] the piece holding s (see GetFunctionIndexAt) is sampled; beyond
@@ -94,10 +110,16 @@ public:
     // straight pieces know): for frame queries, which would otherwise compute it again.
     bool GetPointDataAndTangent(double s, double t, PointData& out, vek::Vector2& tangent) const;
 
-    // Abscissa of the foot of p on the curve by damped Newton steps from s0 (see kStartRatioMin /
-    // kNewtonDamping): it stops when two successive samples lie closer than tolerance (m) or after
-    // maxIterations + 1 steps. May be negative or beyond the length (foot on the straight extensions). The
-    // result is within about tolerance of a local foot; which one depends on s0. s0 for an empty curve.
+    // Abscissa of the foot of p on the curve and its straight extensions (so possibly negative or beyond the
+    // length). First damped Newton steps from s0 (see kStartRatioMin / kNewtonDamping), which stop when two
+    // successive samples lie closer than tolerance (m): the result is then within about tolerance of the
+    // local foot near s0. When they do not settle within maxIterations + 1 steps (far outside a bend they
+    // can cycle), or settle where the full Newton step exceeds kFootStepTolerance * tolerance (near the
+    // centre of curvature the damped steps stall), a safeguarded search takes over: the nearest of samples
+    // at most kBracketTurn apart on each piece, refined within its neighbours to tolerance, against the feet
+    // on the extensions; it returns the nearest point's abscissa (within tolerance where the nearest point is
+    // unique; among equally near points, one of them). maxIterations < 1 asks for the single damped step,
+    // returned as it is. s0 for an empty curve; NaN for a point that is not finite. Allocates nothing.
     double SearchNearestAbscissa(const vek::Vector2& p, double s0, double tolerance, int maxIterations) const;
     // Foot of p on the straight extension before the start (s <= 0) or beyond the end (s >= length), with
     // the signed distance d (m, positive right of the direction of travel). False when p lies on the curve's
@@ -156,6 +178,17 @@ private:
         Kind kind = Kind::Other;
     };
 
+    // Whether sample (with its unit tangent) is the foot of p within tolerance: see kFootStepTolerance.
+    static bool IsFoot(const vek::Vector2& p, const PointData& sample, const vek::Vector2& tangent,
+                       double tolerance);
+    // The safeguarded search of SearchNearestAbscissa; sIteration, where the Newton steps ended, is kept
+    // when nothing found is nearer.
+    double SearchNearestSafely(const vek::Vector2& p, double sIteration, double tolerance) const;
+    // Intervals the safeguarded search samples on a record (at least 1).
+    static int BracketIntervals(const Record& record);
+    // The nearest point's abscissa within [lo, hi] (the bracket of a sample nearer than its neighbours).
+    double RefineNearest(const vek::Vector2& p, double lo, double hi, double tolerance) const;
+
     // Position in the element list of piece index's element; the list size beyond the count.
     size_t ElementPosition(size_t index) const;
     // Rebuilds the abscissa index of the table.
@@ -166,6 +199,10 @@ private:
     // GetPointData(s, t, out) with, when tangent is set, the unit tangent (cos, sin) of out.heading, and,
     // when hint is set, its record tried first (see RecordAt) and replaced by the record sampled.
     bool Sample(double s, double t, PointData& out, vek::Vector2* tangent, size_t* hint) const;
+    // Its part within the table (not empty): the record RecordAt finds for s, sampled at s clamped to its
+    // span. Never extrapolates, so that the end samples of the extrapolation cannot recurse whatever the
+    // lengths are.
+    void SampleWithin(double s, double t, PointData& out, vek::Vector2* tangent, size_t* hint) const;
 
     std::vector<Record> m_records;
     // Bucket b covers abscissas [b, b + 1) / m_bucketScale and holds the first record whose end reaches the

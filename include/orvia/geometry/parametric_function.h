@@ -3,6 +3,7 @@
 // orientation.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #include <orvia/geometry/point_data.h>
@@ -13,7 +14,9 @@
 
 namespace Ruvex {
 class Element;
-}
+class IDOMElement;
+class IDOMParser;
+}  // namespace Ruvex
 
 // A concrete piece is also the persistent element of its tag; its reference count is the element's.
 // Samples take no locks and allocate nothing. A piece belongs to one thread at a time: the bounding box is a
@@ -28,12 +31,12 @@ public:
     // heading; otherwise heading = local heading + start orientation, not re-normalised.
     virtual PointData GetPointData(double s) const;
     virtual vek::Vector2 GetStartPosition() const;
-    // Recomputes only when the position changes.
+    // Recomputes only when the position changes; a position that is not finite is refused.
     virtual void SetStartPosition(const vek::Vector2& position);
     // Radians, in (-pi, pi].
     virtual double GetStartOrientation() const;
     // Any angle (radians); stored brought into (-pi, pi] (3pi/2 -> -pi/2, -pi -> pi). Recomputes only when
-    // the stored value changes.
+    // the stored value changes. A value that is not finite is refused.
     virtual void SetStartOrientation(double orientation);
     // A new piece of the same class with the same data and placement, count 0: the caller owns it.
     virtual ParametricFunction* Clone() const = 0;
@@ -88,6 +91,20 @@ public:
     // Both the "near the start" window of GetPointData (metres) and the "not forced" band of the forced
     // orientation (radians).
     static constexpr double kForcedOrientationWindow = 0.01;
+    // Longest piece (m): beyond any world a network describes, and short enough that sums of lengths and
+    // squared distances stay finite. Lengths outside [0, kMaxLength] are refused by the setters and brought
+    // into it, with a warning, by the loaders.
+    static constexpr double kMaxLength = 1e8;
+    // Sharpest curvature (1/m) a loaded piece keeps, a radius of a millimetre: sharper values are brought to
+    // it with a warning.
+    static constexpr double kMaxCurvature = 1e3;
+    // Whether a setter takes this length: finite, within [0, kMaxLength] (false for NaN).
+    static bool IsValidLength(double length) { return length >= 0 && length <= kMaxLength; }
+    // What the constructors store for a length: its absolute value, at most kMaxLength, 0 for NaN.
+    static double ConstructedLength(double length) {
+        const double magnitude = std::fabs(length);
+        return magnitude <= kMaxLength ? magnitude : (magnitude > kMaxLength ? kMaxLength : 0);
+    }
 
 protected:
     ParametricFunction();
@@ -107,6 +124,11 @@ protected:
 
     // For changes that keep the transforms but move the points (inverting a symmetric piece).
     void InvalidateBoundingBox() { m_boundingBoxDirty = true; }
+
+    // For the loaders: value brought into [lo, hi], with a warning naming the attribute at `where` when it
+    // was outside.
+    double ClampLoaded(double value, double lo, double hi, const char* attribute, Ruvex::IDOMElement* where,
+                       Ruvex::IDOMParser* parser) const;
 
 private:
     bool IsHeadingForcedAt(double s) const {

@@ -66,7 +66,7 @@ public:
 
     // Makes the polygon length L: 0 clears the points; with no point (0,0) and (L,0) are added, with one
     // point (L,0); a longer polygon loses the points after the edge holding L; then the last point moves
-    // along the last edge. Negative lengths are ignored.
+    // along the last edge. Lengths outside [0, kMaxLength] (NaN included) are ignored.
     void SetPolylineLength(double length);
     double GetPolylineLength() const;
 

@@ -8,12 +8,13 @@ class Segment : public ParametricFunction, public Ruvex::SegmentElement {
 public:
     // Length 1 m.
     Segment();
+    // See ConstructedLength.
     explicit Segment(double length);
     Segment(const Segment& other);
     ~Segment() override;
 
     double GetLength() const override { return m_Length; }
-    // Any value is stored (a negative length runs backwards along -x).
+    // A length outside [0, kMaxLength] (NaN included) is refused.
     void SetLength(double length) override;
     // Same as SetLength for a segment; returns true.
     bool SetRawLength(double length);
