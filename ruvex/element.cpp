@@ -6,7 +6,6 @@
 #include "pugi_dom.h"
 #include "xml_writer.h"
 
-#include <typeinfo>
 #include <utility>
 
 namespace Ruvex {
@@ -18,16 +17,6 @@ std::string_view Expected(std::string_view typeName) {
     if (typeName == "bool") return "true or false";
     if (typeName == "unsigned integer") return "a non-negative integer";
     return "an integer";
-}
-
-detail::PugiDocument* AsPugi(IDOMParser* parser) {
-    return typeid(*parser) == typeid(detail::PugiDocument) ? static_cast<detail::PugiDocument*>(parser)
-                                                           : nullptr;
-}
-
-detail::WriteDocument* AsWriter(IDOMParser* parser) {
-    return typeid(*parser) == typeid(detail::WriteDocument) ? static_cast<detail::WriteDocument*>(parser)
-                                                            : nullptr;
 }
 
 PreservedNode CopyNode(IDOMElement* node, IDOMParser* parser, uint32_t anchor) {
@@ -85,12 +74,10 @@ Element* CreateItem(const ChildField& field, size_t tagIndex, std::string_view t
     return factory->Create(name);
 }
 
-// Elements from `child` on among its siblings: room for the list's items that likely follow (0 when the DOM
-// is not pugixml's).
+// Elements from `child` on among its siblings: room for the list's items that likely follow.
 size_t ElementsFrom(IDOMElement* child) {
-    if (typeid(*child) != typeid(detail::PugiNode)) return 0;
     size_t count = 0;
-    for (pugi::xml_node n = static_cast<detail::PugiNode*>(child)->node(); n; n = n.next_sibling())
+    for (pugi::xml_node n = detail::Loaded(child)->node(); n; n = n.next_sibling())
         count += n.type() == pugi::node_element;
     return count;
 }
@@ -118,24 +105,6 @@ const ChildField* NextItem(const Schema& schema, const ChildField* field, std::s
             }
     }
     return nullptr;
-}
-
-void AppendNodes(IDOMElement* element, IDOMParser* parser, const std::vector<PreservedNode>& nodes) {
-    if (detail::WriteDocument* writer = AsWriter(parser)) {
-        detail::MergePreservedNodes(*writer, static_cast<detail::WriteNode*>(element), nodes);
-        return;
-    }
-    if (detail::PugiDocument* pugi = AsPugi(parser)) {
-        detail::MergePreservedNodes(*pugi, static_cast<detail::PugiNode*>(element)->node(), nodes);
-        return;
-    }
-    for (const PreservedNode& n : nodes) {
-        if (n.kind == NodeKind::Element) {
-            if (n.element) element->AppendChild(n.element->BuildXMLElement(parser));
-        } else {
-            element->AppendNode(n.kind, n.name, n.value);
-        }
-    }
 }
 
 }  // namespace
@@ -215,38 +184,19 @@ void ReportMalformed(IDOMParser* parser, IDOMElement* element, const AttributeFi
 bool Element::LoadAttributes(IDOMElement* element, IDOMParser* parser) {
     if (!element || !parser) return false;
     if (m_preserved) m_preserved->attributes.clear();
-    if (typeid(*element) == typeid(detail::PugiNode)) {
-        // Straight from pugixml's buffer, where names and values end at a NUL: nothing is measured that the
-        // value's type does not need.
-        size_t hint = 0;
-        const pugi::xml_node node = static_cast<detail::PugiNode*>(element)->node();
-        for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute()) {
-            const char* name = a.name();
-            const char* value = a.value();
-            const AttributeField* field = m_schema->FindAttributeTerminated(name, hint);
-            if (!field)
-                EditPreserved().attributes.push_back({name, value});
-            else if (field->readTerminated(*this, value, *field) == AttributeStatus::Malformed)
-                ReportMalformed(parser, element, *field, value);
-        }
-        return true;
+    // Straight from pugixml's buffer, where names and values end at a NUL: nothing is measured that the
+    // value's type does not need.
+    size_t hint = 0;
+    const pugi::xml_node node = detail::Loaded(element)->node();
+    for (pugi::xml_attribute a = node.first_attribute(); a; a = a.next_attribute()) {
+        const char* name = a.name();
+        const char* value = a.value();
+        const AttributeField* field = m_schema->FindAttributeTerminated(name, hint);
+        if (!field)
+            EditPreserved().attributes.push_back({name, value});
+        else if (field->readTerminated(*this, value, *field) == AttributeStatus::Malformed)
+            ReportMalformed(parser, element, *field, value);
     }
-    struct Context {
-        Element* self;
-        IDOMElement* element;
-        IDOMParser* parser;
-        size_t hint;
-    } context{this, element, parser, 0};
-    element->VisitAttributes(&context, [](void* opaque, std::string_view name, std::string_view value) {
-        auto& c = *static_cast<Context*>(opaque);
-        const AttributeField* field = c.self->m_schema->FindAttribute(name, c.hint);
-        if (!field) {
-            c.self->EditPreserved().attributes.push_back({std::string(name), std::string(value)});
-            return;
-        }
-        if (field->read(*c.self, value, *field) == AttributeStatus::Malformed)
-            ReportMalformed(c.parser, c.element, *field, value);
-    });
     return true;
 }
 
@@ -362,9 +312,8 @@ IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
         Level& operator=(const Level&) = delete;
     } level(depth);
     // The schema's names are distinct and outlive the document: the writer appends them without a search.
-    detail::WriteDocument* writer = AsWriter(parser);
-    auto* written =
-        writer && m_schema->distinctAttributeNames ? static_cast<detail::WriteNode*>(element) : nullptr;
+    detail::WriteDocument* writer = detail::Writer(parser);
+    auto* written = m_schema->distinctAttributeNames ? detail::Written(element) : nullptr;
     FormatBuffer buffer;
     for (const AttributeField& field : m_schema->attributes) {
         std::string_view text = field.format(*this, buffer, field);
@@ -407,27 +356,17 @@ IDOMElement* Element::BuildGenericXMLElement(IDOMParser* parser) {
         Context context{container, parser, false};
         Level inContainer(depth);
         field.forEach(*this, &context, append);
-        if (kept) AppendNodes(container, parser, kept->nodes);
+        if (kept) detail::MergePreservedNodes(*writer, detail::Written(container), kept->nodes);
         // An empty list leaves no trace unless the file had something of its own in the wrapper.
         if (context.any || kept) element->AppendChild(container);
     }
-    if (m_preserved && !m_preserved->nodes.empty()) {
-        if (writer)
-            writer->Defer(static_cast<detail::WriteNode*>(element), m_preserved.get(), depth);
-        else if (detail::PugiDocument* pugi = AsPugi(parser))
-            pugi->Defer(static_cast<detail::PugiNode*>(element)->node(), m_preserved.get());
-        else
-            AppendNodes(element, parser, m_preserved->nodes);
-    }
+    if (m_preserved && !m_preserved->nodes.empty())
+        writer->Defer(detail::Written(element), m_preserved.get(), depth);
     return element;
 }
 
 bool GenericElement::LoadFromXMLElement(IDOMElement* element, IDOMParser* parser) {
     if (!element || !parser) return false;
-    if (typeid(*element) != typeid(detail::PugiNode)) {
-        Unpack();
-        return Element::LoadFromXMLElement(element, parser);
-    }
     // What an earlier load kept goes, as it would in the generic load; the document around stays.
     if (m_preserved) {
         m_preserved->attributes.clear();
@@ -436,13 +375,13 @@ bool GenericElement::LoadFromXMLElement(IDOMElement* element, IDOMParser* parser
     }
     thread_local std::string packed;
     packed.clear();
-    detail::PackContent(static_cast<detail::PugiNode*>(element)->node(), packed);
+    detail::PackContent(detail::Loaded(element)->node(), packed);
     m_packed = std::string(packed);  // no room to spare
     return true;
 }
 
 IDOMElement* GenericElement::BuildXMLElement(IDOMParser* parser) {
-    detail::WriteDocument* writer = parser ? AsWriter(parser) : nullptr;
+    detail::WriteDocument* writer = detail::Writer(parser);
     if (m_packed.empty() || !writer || m_preserved) {
         Unpack();
         return BuildGenericXMLElement(parser);

@@ -215,6 +215,37 @@ Reference ClassifyReference(std::string_view text, size_t& length) {
 // taken for a bare '&'.
 constexpr size_t kMaxReference = 40;
 
+// Calls visit(at, kind, reference) for every '&' of the text outside comments, CDATA sections, instructions
+// and doctypes, with the reference as far as it goes (the '&' alone when it is bare).
+template <class Visit>
+void ForEachReference(const char* text, size_t size, Visit visit) {
+    size_t known = 0;  // text before it is outside comments, CDATA sections, instructions and doctypes
+    for (size_t from = 0; from < size;) {
+        const auto* amp = static_cast<const char*>(std::memchr(text + from, '&', size - from));
+        if (!amp) break;
+        const auto at = static_cast<size_t>(amp - text);
+        bool inside = false;
+        while (known < at) {
+            const auto* open = static_cast<const char*>(std::memchr(text + known, '<', at - known));
+            if (!open) break;
+            const auto start = static_cast<size_t>(open - text);
+            const size_t end = EndOfSpecial(text, size, start);
+            known = end ? end : start + 1;
+            if (end > at) inside = true;
+        }
+        if (inside) {
+            from = known;
+            continue;
+        }
+        known = at + 1;
+        size_t length = 1;
+        const std::string_view rest(text + at, std::min(size - at, kMaxReference));
+        const Reference kind = ClassifyReference(rest, length);
+        visit(at, kind, rest.substr(0, length));
+        from = at + length;
+    }
+}
+
 }  // namespace
 
 bool NamesEncoding(std::string_view name, FileEncoding encoding) {
@@ -347,33 +378,13 @@ void InputText::CheckReferences(const char* text, size_t size) {
             kind.first = reference;
         }
     };
-    size_t known = 0;  // text before it is outside comments, CDATA sections, instructions and doctypes
-    for (size_t from = 0; from < size;) {
-        const auto* amp = static_cast<const char*>(std::memchr(text + from, '&', size - from));
-        if (!amp) break;
-        const auto at = static_cast<size_t>(amp - text);
-        bool inside = false;
-        while (known < at) {
-            const auto* open = static_cast<const char*>(std::memchr(text + known, '<', at - known));
-            if (!open) break;
-            const auto start = static_cast<size_t>(open - text);
-            const size_t end = EndOfSpecial(text, size, start);
-            known = end ? end : start + 1;
-            if (end > at) inside = true;
-        }
-        if (inside) {
-            from = known;
-            continue;
-        }
-        known = at + 1;
-        size_t length = 1;
-        const std::string_view rest(text + at, std::min(size - at, kMaxReference));
-        switch (ClassifyReference(rest, length)) {
+    ForEachReference(text, size, [&](size_t at, Reference kind, std::string_view reference) {
+        switch (kind) {
             case Reference::BadCharacter:
-                note(bad, at, rest.substr(0, length));
+                note(bad, at, reference);
                 break;
             case Reference::Undefined:
-                note(undefined, at, rest.substr(0, length));
+                note(undefined, at, reference);
                 break;
             case Reference::Bare:
                 note(bare, at, {});
@@ -381,8 +392,7 @@ void InputText::CheckReferences(const char* text, size_t size) {
             default:
                 break;
         }
-        from = at + length;
-    }
+    });
     if (bad.count) {
         m_problems.push_back({bad.at,
                               "the character reference \"" + bad.first +
@@ -405,36 +415,14 @@ void InputText::ReplaceReferences(const char* text, size_t size) {
     // A second walk, as rare as the references it replaces.
     std::string out;
     out.reserve(size);
-    size_t known = 0;
     size_t copied = 0;
-    for (size_t from = 0; from < size;) {
-        const auto* amp = static_cast<const char*>(std::memchr(text + from, '&', size - from));
-        if (!amp) break;
-        const auto at = static_cast<size_t>(amp - text);
-        bool inside = false;
-        while (known < at) {
-            const auto* open = static_cast<const char*>(std::memchr(text + known, '<', at - known));
-            if (!open) break;
-            const auto start = static_cast<size_t>(open - text);
-            const size_t end = EndOfSpecial(text, size, start);
-            known = end ? end : start + 1;
-            if (end > at) inside = true;
-        }
-        if (inside) {
-            from = known;
-            continue;
-        }
-        known = at + 1;
-        size_t length = 1;
-        if (ClassifyReference(std::string_view(text + at, std::min(size - at, kMaxReference)), length) ==
-            Reference::BadCharacter) {
-            out.append(text + copied, at - copied);
-            m_edits.push_back({out.size(), at, length});
-            AppendUtf8(kReplacementCharacter, out);
-            copied = at + length;
-        }
-        from = at + length;
-    }
+    ForEachReference(text, size, [&](size_t at, Reference kind, std::string_view reference) {
+        if (kind != Reference::BadCharacter) return;
+        out.append(text + copied, at - copied);
+        m_edits.push_back({out.size(), at, reference.size()});
+        AppendUtf8(kReplacementCharacter, out);
+        copied = at + reference.size();
+    });
     out.append(text + copied, size - copied);
     m_replaced.size = out.size();
     m_replaced.data = std::make_unique_for_overwrite<char[]>(out.size() + 1);

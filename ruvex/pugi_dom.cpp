@@ -8,7 +8,6 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
-#include <typeinfo>
 
 namespace Ruvex::detail {
 
@@ -30,11 +29,6 @@ pugi::xml_attribute PugiNode::FindAttribute(std::string_view name) const {
     return {};
 }
 
-pugi::xml_attribute PugiNode::GetOrAddAttribute(std::string_view name) {
-    if (pugi::xml_attribute a = FindAttribute(name)) return a;
-    return m_node.append_attribute(std::string(name).c_str());
-}
-
 bool PugiNode::HasAttribute(std::string_view name) const {
     return !FindAttribute(name).empty();
 }
@@ -50,10 +44,6 @@ void PugiNode::VisitAttributes(void* context,
                                void (*visit)(void*, std::string_view, std::string_view)) const {
     for (pugi::xml_attribute a = m_node.first_attribute(); a; a = a.next_attribute())
         visit(context, a.name(), a.value());
-}
-
-void PugiNode::SetRawAttribute(std::string_view name, std::string_view value) {
-    GetOrAddAttribute(name).set_value(value.data(), value.size());
 }
 
 IDOMElement* PugiNode::GetFirstChild() const {
@@ -101,34 +91,6 @@ std::string_view PugiNode::GetValue() const {
     return m_node.value();
 }
 
-void PugiNode::AppendChild(IDOMElement* child) {
-    if (!child) return;
-    m_node.append_move(static_cast<PugiNode*>(child)->m_node);
-}
-
-void PugiNode::AppendNode(NodeKind kind, std::string_view name, std::string_view value) {
-    pugi::xml_node_type type = pugi::node_pcdata;
-    switch (kind) {
-        case NodeKind::CData:
-            type = pugi::node_cdata;
-            break;
-        case NodeKind::Comment:
-            type = pugi::node_comment;
-            break;
-        case NodeKind::ProcessingInstruction:
-            type = pugi::node_pi;
-            break;
-        case NodeKind::Element:
-            type = pugi::node_element;
-            break;
-        default:
-            break;
-    }
-    pugi::xml_node n = m_node.append_child(type);
-    if (type == pugi::node_pi || type == pugi::node_element) n.set_name(std::string(name).c_str());
-    if (type != pugi::node_element) n.set_value(std::string(value).c_str());
-}
-
 size_t PugiNode::GetLine() const {
     return m_document->LineColumn(m_node.offset_debug()).first;
 }
@@ -141,12 +103,6 @@ size_t PugiNode::GetColumn() const {
 
 PugiDocument::PugiDocument(std::string fileName)
     : m_fileName(std::move(fileName)), m_version(kCurrentVersion) {}
-
-IDOMElement* PugiDocument::CreateElement(std::string_view tag) {
-    if (!m_scratch) m_scratch = m_doc.append_child("scratch");
-    pugi::xml_node n = m_scratch.append_child(std::string(tag).c_str());
-    return Wrap(n);
-}
 
 PugiNode* PugiDocument::Wrap(pugi::xml_node node) {
     return &m_wrappers.emplace_back(node, this);
@@ -236,66 +192,6 @@ std::pair<size_t, size_t> PugiDocument::LineColumn(ptrdiff_t offset) const {
     return m_input.PlaceOfParsed(static_cast<size_t>(offset));
 }
 
-void MergePreservedNodes(PugiDocument& document, pugi::xml_node node,
-                         const std::vector<PreservedNode>& nodes) {
-    if (nodes.empty()) return;
-    std::vector<pugi::xml_node> elements;
-    for (pugi::xml_node n = node.first_child(); n; n = n.next_sibling())
-        if (n.type() == pugi::node_element) elements.push_back(n);
-    for (const PreservedNode& p : nodes) {
-        pugi::xml_node before = p.anchor < elements.size() ? elements[p.anchor] : pugi::xml_node();
-        if (p.kind == NodeKind::Element) {
-            if (!p.element) continue;
-            auto* built = static_cast<PugiNode*>(p.element->BuildXMLElement(&document));
-            if (!built) continue;
-            if (before)
-                node.insert_move_before(built->node(), before);
-            else
-                node.append_move(built->node());
-            continue;
-        }
-        pugi::xml_node_type type = pugi::node_pcdata;
-        switch (p.kind) {
-            case NodeKind::CData:
-                type = pugi::node_cdata;
-                break;
-            case NodeKind::Comment:
-                type = pugi::node_comment;
-                break;
-            case NodeKind::ProcessingInstruction:
-                type = pugi::node_pi;
-                break;
-            default:
-                break;
-        }
-        pugi::xml_node added = before ? node.insert_child_before(type, before) : node.append_child(type);
-        if (type == pugi::node_pi) added.set_name(p.name.c_str());
-        added.set_value(p.value.c_str());
-    }
-}
-
-void PugiDocument::ApplyDeferred() {
-    // Building a preserved element may defer more: walk by index while the list grows.
-    size_t& depth = BuildDepth();
-    const size_t outer = depth;
-    for (size_t i = 0; i < m_deferred.size(); ++i) {
-        auto [node, content, level] = m_deferred[i];
-        depth = level;
-        MergePreservedNodes(*this, node, content->nodes);
-    }
-    depth = outer;
-    m_deferred.clear();
-    if (m_scratch) {
-        m_doc.remove_child(m_scratch);
-        m_scratch = pugi::xml_node();
-    }
-}
-
-size_t& BuildDepth() {
-    thread_local size_t depth = 0;
-    return depth;
-}
-
 pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth) {
     // pugixml walks the tree itself, without recursion: one call per node here instead of a few into it.
     struct Walker : pugi::xml_tree_walker {
@@ -345,16 +241,11 @@ void PugiDocument::DropRepeatedAttributes() {
 }
 
 void ForEachNode(IDOMElement* element, void* context, void (*visit)(void*, IDOMElement*)) {
-    if (typeid(*element) == typeid(PugiNode)) {
-        auto* self = static_cast<PugiNode*>(element);
-        for (pugi::xml_node n = self->node().first_child(); n; n = n.next_sibling()) {
-            PugiNode child(n, self->document());
-            visit(context, &child);
-        }
-        return;
+    PugiNode* self = Loaded(element);
+    for (pugi::xml_node n = self->node().first_child(); n; n = n.next_sibling()) {
+        PugiNode child(n, self->document());
+        visit(context, &child);
     }
-    for (IDOMElement* n = element->GetFirstNode(); n; n = n->GetNextNode())
-        visit(context, n);
 }
 
 }  // namespace Ruvex::detail

@@ -1,6 +1,6 @@
 #pragma once
 
-// The DOM over pugixml, which loading reads (saving writes through xml_writer.h's DOM).
+// The DOM over pugixml, which loading reads. It is only read: saves build xml_writer.h's DOM.
 
 #include <orvia/ruvex/element.h>
 #include <orvia/ruvex/factory.h>
@@ -10,6 +10,7 @@
 #include "input_text.h"
 #include "typed_attributes.h"
 
+#include <cassert>
 #include <deque>
 #include <memory>
 #include <string>
@@ -24,10 +25,6 @@ class PugiDocument;
 // file that grows meanwhile is read to its end all the same.
 bool ReadDocumentFile(const char* path, ParseBuffer& buffer);
 
-// Nesting level of the element being built on this thread (the "Ruvex" root is level 1). It bounds the
-// recursion of saving a tree made in memory, which no bound on reading protects.
-size_t& BuildDepth();
-
 // The first element, in document order, nested deeper than `maxDepth` levels (the children of `top` being
 // level 1); empty when there is none. Walks without recursion.
 pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth);
@@ -41,8 +38,6 @@ public:
     void VisitAttributes(void* context,
                          void (*visit)(void*, std::string_view, std::string_view)) const override;
 
-    void SetRawAttribute(std::string_view name, std::string_view value) override;
-
     IDOMElement* GetFirstChild() const override;
     IDOMElement* GetNextSibling() const override;
     size_t GetChildCount() const override;
@@ -50,9 +45,6 @@ public:
     IDOMElement* GetNextNode() const override;
     NodeKind GetNodeKind() const override;
     std::string_view GetValue() const override;
-
-    void AppendChild(IDOMElement* child) override;
-    void AppendNode(NodeKind kind, std::string_view name, std::string_view value) override;
 
     size_t GetLine() const override;
     size_t GetColumn() const override;
@@ -66,7 +58,6 @@ public:
 
 private:
     pugi::xml_attribute FindAttribute(std::string_view name) const;
-    pugi::xml_attribute GetOrAddAttribute(std::string_view name);
 
     pugi::xml_node m_node;
     PugiDocument* m_document;
@@ -76,7 +67,6 @@ class PugiDocument final : public IDOMParser {
 public:
     explicit PugiDocument(std::string fileName);
 
-    IDOMElement* CreateElement(std::string_view tag) override;
     uint32_t GetVersion() const override { return m_version; }
     void ReportProblem(const IDOMElement* where, std::string message) override;
     void ReportWarning(const IDOMElement* where, std::string message) override;
@@ -95,13 +85,6 @@ public:
     std::pair<size_t, size_t> LineColumn(ptrdiff_t offset) const;
     void ReportAt(ptrdiff_t offset, std::string message);
 
-    // Writing: preserved content is put back once the whole tree is built, so that the children a runtime
-    // class appends after the generic part count too.
-    void Defer(pugi::xml_node node, const PreservedContent* content) {
-        m_deferred.push_back(Deferred{node, content, BuildDepth()});
-    }
-    void ApplyDeferred();
-
     pugi::xml_document& doc() { return m_doc; }
     const std::string& fileName() const { return m_fileName; }
     std::vector<Problem>& problems() { return m_problems; }
@@ -111,23 +94,18 @@ private:
     std::string m_fileName;
     InputText m_input;
     pugi::xml_document m_doc;
-    pugi::xml_node m_scratch;
     uint32_t m_version;
     std::deque<PugiNode> m_wrappers;
     std::vector<Problem> m_problems;
-    struct Deferred {
-        pugi::xml_node node;
-        const PreservedContent* content;
-        size_t depth;  // nesting level of `node`
-    };
-    std::vector<Deferred> m_deferred;
 };
 
-// Walks the child nodes of `element` without allocating a wrapper per node when it is one of ours.
-void ForEachNode(IDOMElement* element, void* context, void (*visit)(void* context, IDOMElement* node));
+// An element handed to a load: always one of ours, as loading reads no other DOM.
+inline PugiNode* Loaded(IDOMElement* element) {
+    assert(dynamic_cast<PugiNode*>(element));
+    return static_cast<PugiNode*>(element);
+}
 
-// Inserts preserved nodes among the element children of `node` at their anchors.
-void MergePreservedNodes(PugiDocument& document, pugi::xml_node node,
-                         const std::vector<PreservedNode>& nodes);
+// Walks the child nodes of `element` without allocating a wrapper per node.
+void ForEachNode(IDOMElement* element, void* context, void (*visit)(void* context, IDOMElement* node));
 
 }  // namespace Ruvex::detail

@@ -1,12 +1,11 @@
-// Typed attribute reads and writes over a node's raw text, shared by the reading DOM and the writing one:
-// parsing, formatting and the problems they raise are written once.
+// Typed attribute reads over a node's raw text, shared by the reading DOM and the writing one: parsing and
+// the problems it raises are written once.
 
 #pragma once
 
 #include <orvia/ruvex/dom.h>
 #include <orvia/ruvex/schema.h>
 
-#include <cmath>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -19,7 +18,7 @@ inline std::string Describe(const IDOMElement* element) {
 }
 
 // Node provides: bool RawValue(std::string_view name, std::string_view& text) const (false when absent),
-// SetRawAttribute, document() (an IDOMParser*), and kWarnsOnMalformed (whether a malformed read is reported).
+// document() (an IDOMParser*), and kWarnsOnMalformed (whether a malformed read is reported).
 template <class Node>
 class TypedAttributes : public IDOMElement {
 public:
@@ -47,30 +46,8 @@ public:
         return Read(name, value);
     }
 
-    using IDOMElement::SetAttribute;
-    void SetAttribute(std::string_view name, std::string_view value) final {
-        FormatBuffer buffer;
-        const std::string text(value);
-        self().SetRawAttribute(name, Codec<std::string>::Format(text, buffer));
-    }
-    void SetAttribute(std::string_view name, bool value) final {
-        self().SetRawAttribute(name, value ? "true" : "false");
-    }
-    void SetAttribute(std::string_view name, int32_t value) final { Write(name, value); }
-    void SetAttribute(std::string_view name, uint32_t value) final { Write(name, value); }
-    void SetAttribute(std::string_view name, int64_t value) final { Write(name, value); }
-    void SetAttribute(std::string_view name, uint64_t value) final { Write(name, value); }
-    void SetAttribute(std::string_view name, double value) final {
-        if (!std::isfinite(value))
-            self().document()->ReportProblem(this, "attribute \"" + std::string(name) + "\" of " +
-                                                       Describe(this) + " is not a finite number");
-        FormatBuffer buffer;
-        self().SetRawAttribute(name, FormatDouble(value, buffer));
-    }
-
 private:
     const Node& self() const { return static_cast<const Node&>(*this); }
-    Node& self() { return static_cast<Node&>(*this); }
 
     template <class T>
     AttributeStatus Read(std::string_view name, T& value) const {
@@ -100,12 +77,6 @@ private:
             return "an integer";
         else
             return "a non-negative integer";
-    }
-
-    template <class T>
-    void Write(std::string_view name, T value) {
-        FormatBuffer buffer;
-        self().SetRawAttribute(name, FormatInteger(value, buffer));
     }
 };
 

@@ -2,7 +2,6 @@
 
 #include <orvia/ruvex/schema.h>
 
-#include "pugi_dom.h"
 #include "unicode.h"
 
 #include <algorithm>
@@ -563,6 +562,11 @@ bool WriteDocument::HasErrors() const {
     return false;
 }
 
+size_t& BuildDepth() {
+    thread_local size_t depth = 0;
+    return depth;
+}
+
 void WriteDocument::ApplyDeferred() {
     // Building a preserved element may defer more: walk by index while the list grows.
     size_t& depth = BuildDepth();
@@ -718,3 +722,54 @@ void MergePreservedNodes(WriteDocument& document, WriteNode* node, const std::ve
 }
 
 }  // namespace Ruvex::detail
+
+namespace Ruvex {
+
+// The writes of the DOM interface are the writer's: saves build no other DOM.
+
+void IDOMElement::SetRawAttribute(std::string_view name, std::string_view value) {
+    detail::Written(this)->SetRawAttribute(name, value);
+}
+void IDOMElement::SetAttribute(std::string_view name, std::string_view value) {
+    FormatBuffer buffer;
+    const std::string text(value);
+    SetRawAttribute(name, detail::Codec<std::string>::Format(text, buffer));
+}
+void IDOMElement::SetAttribute(std::string_view name, bool value) {
+    SetRawAttribute(name, value ? "true" : "false");
+}
+void IDOMElement::SetAttribute(std::string_view name, int32_t value) {
+    FormatBuffer buffer;
+    SetRawAttribute(name, detail::FormatInteger(value, buffer));
+}
+void IDOMElement::SetAttribute(std::string_view name, uint32_t value) {
+    FormatBuffer buffer;
+    SetRawAttribute(name, detail::FormatInteger(value, buffer));
+}
+void IDOMElement::SetAttribute(std::string_view name, int64_t value) {
+    FormatBuffer buffer;
+    SetRawAttribute(name, detail::FormatInteger(value, buffer));
+}
+void IDOMElement::SetAttribute(std::string_view name, uint64_t value) {
+    FormatBuffer buffer;
+    SetRawAttribute(name, detail::FormatInteger(value, buffer));
+}
+void IDOMElement::SetAttribute(std::string_view name, double value) {
+    if (!std::isfinite(value))
+        detail::Written(this)->document()->ReportProblem(this, "attribute \"" + std::string(name) + "\" of " +
+                                                                   detail::Describe(this) +
+                                                                   " is not a finite number");
+    FormatBuffer buffer;
+    SetRawAttribute(name, detail::FormatDouble(value, buffer));
+}
+void IDOMElement::AppendChild(IDOMElement* child) {
+    detail::Written(this)->AppendChild(child);
+}
+void IDOMElement::AppendNode(NodeKind kind, std::string_view name, std::string_view value) {
+    detail::Written(this)->AppendNode(kind, name, value);
+}
+IDOMElement* IDOMParser::CreateElement(std::string_view tag) {
+    return detail::Writer(this)->CreateElement(tag);
+}
+
+}  // namespace Ruvex

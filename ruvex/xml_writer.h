@@ -1,16 +1,17 @@
 #pragma once
 
-// The DOM that documents are saved through. Nodes, attributes and their text live in one arena owned by the
-// document (no heap block per node or per value); attribute names from the schemas and the packed content of
-// unknown elements are referred to, not copied; and the serialiser writes the text straight into a string:
-// the same bytes as pugixml writes for the same well-formed tree with a two-space indent (escapes,
-// empty-element tags, text kept inline, UTF-8 or Latin-1).
+// The DOM that documents are saved through, the only one a save builds. Nodes, attributes and their text live
+// in one arena owned by the document (no heap block per node or per value); attribute names from the schemas
+// and the packed content of unknown elements are referred to, not copied; and the serialiser writes the text
+// straight into a string with a two-space indent. The text is well-formed XML whatever the tree holds: what
+// cannot be written as it stands is replaced or left out, with a warning (see Serialize).
 
 #include <orvia/ruvex/element.h>
 #include <orvia/ruvex/factory.h>
 
 #include "typed_attributes.h"
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -53,6 +54,10 @@ private:
 
 class WriteDocument;
 
+// Nesting level of the element being built on this thread (the "Ruvex" root is level 1). It bounds the
+// recursion of saving a tree made in memory, which no bound on reading protects.
+size_t& BuildDepth();
+
 class WriteNode final : public TypedAttributes<WriteNode> {
 public:
     enum class Kind : uint8_t {
@@ -80,7 +85,8 @@ public:
     void VisitAttributes(void* context,
                          void (*visit)(void*, std::string_view, std::string_view)) const override;
 
-    void SetRawAttribute(std::string_view name, std::string_view value) override;
+    // The implementations of IDOMElement's writes.
+    void SetRawAttribute(std::string_view name, std::string_view value);
 
     IDOMElement* GetFirstChild() const override;
     IDOMElement* GetNextSibling() const override;
@@ -90,8 +96,8 @@ public:
     NodeKind GetNodeKind() const override;
     std::string_view GetValue() const override;
 
-    void AppendChild(IDOMElement* child) override;
-    void AppendNode(NodeKind kind, std::string_view name, std::string_view value) override;
+    void AppendChild(IDOMElement* child);
+    void AppendNode(NodeKind kind, std::string_view name, std::string_view value);
 
     size_t GetLine() const override { return 0; }
     size_t GetColumn() const override { return 0; }
@@ -144,9 +150,7 @@ class WriteDocument final : public IDOMParser {
 public:
     explicit WriteDocument(std::string fileName);
 
-    IDOMElement* CreateElement(std::string_view tag) override {
-        return NewNode(WriteNode::Kind::Element, tag);
-    }
+    IDOMElement* CreateElement(std::string_view tag) { return NewNode(WriteNode::Kind::Element, tag); }
     uint32_t GetVersion() const override { return kCurrentVersion; }
     void ReportProblem(const IDOMElement* where, std::string message) override;
     void ReportWarning(const IDOMElement* where, std::string message) override;
@@ -197,6 +201,16 @@ private:
     std::vector<Problem> m_problems;
     std::vector<Deferred> m_deferred;
 };
+
+// The parser of a save and the elements it made: always these, as saving builds no other DOM.
+inline WriteDocument* Writer(IDOMParser* parser) {
+    assert(!parser || dynamic_cast<WriteDocument*>(parser));
+    return static_cast<WriteDocument*>(parser);
+}
+inline WriteNode* Written(IDOMElement* element) {
+    assert(!element || dynamic_cast<WriteNode*>(element));
+    return static_cast<WriteNode*>(element);
+}
 
 // Inserts preserved nodes among the element children of `node` at their anchors.
 void MergePreservedNodes(WriteDocument& document, WriteNode* node, const std::vector<PreservedNode>& nodes);

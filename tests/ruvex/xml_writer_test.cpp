@@ -285,6 +285,18 @@ TEST(WriteDocument, EditsLikeTheDomInterface) {
     document.Serialize(text, false);
     EXPECT_EQ(text, "<P n=\"replaced\" x=\"0.5\">\n  <C flag=\"true\" />\n  <!--note-->\n</P>\n");
 
+    // Every width reaches the text whole, through the interface as a host class's save writes it.
+    WriteDocument widths("test");
+    Ruvex::IDOMElement* wide = widths.CreateElement("W");
+    wide->SetAttribute("i64", std::numeric_limits<int64_t>::min());
+    wide->SetAttribute("u64", std::numeric_limits<uint64_t>::max());
+    wide->SetAttribute("u32", std::numeric_limits<uint32_t>::max());
+    wide->AppendNode(Ruvex::NodeKind::Text, {}, "a<b");
+    widths.root().Insert(static_cast<WriteNode*>(wide), nullptr);
+    widths.Serialize(text, false);
+    EXPECT_EQ(text,
+              "<W i64=\"-9223372036854775808\" u64=\"18446744073709551615\" u32=\"4294967295\">a&lt;b</W>\n");
+
     // Not finite: written all the same, and reported.
     child->SetAttribute("bad", std::numeric_limits<double>::infinity());
     EXPECT_TRUE(document.HasErrors());

@@ -36,8 +36,8 @@ enum class NodeKind { Element, Text, CData, Comment, ProcessingInstruction, Othe
 
 class IDOMParser;
 
-// One element of the document being read or written. Objects are owned by their parser and live as long as it
-// does.
+// One element of the document being read or written: reads see the file being loaded, writes build the one
+// being saved. Objects are owned by their parser and live as long as it does.
 class IDOMElement {
 public:
     virtual std::string_view GetTagName() const = 0;
@@ -62,23 +62,24 @@ public:
     virtual void VisitAttributes(void* context, void (*visit)(void* context, std::string_view name,
                                                               std::string_view value)) const = 0;
 
-    // Writes replace an existing attribute of the same name or append a new one. Numbers are written in the
-    // shortest form that reads back identical, whatever the locale.
-    virtual void SetAttribute(std::string_view name, std::string_view value) = 0;
+    // Writes are for the elements of a save, which BuildXMLElement makes through the parser it is given; an
+    // element being loaded is only read. They replace an existing attribute of the same name or append a new
+    // one. Numbers are written in the shortest form that reads back identical, whatever the locale.
+    void SetAttribute(std::string_view name, std::string_view value);
     void SetAttribute(std::string_view name, const char* value) {
         SetAttribute(name, std::string_view(value));
     }
     void SetAttribute(std::string_view name, const std::string& value) {
         SetAttribute(name, std::string_view(value));
     }
-    virtual void SetAttribute(std::string_view name, bool value) = 0;
-    virtual void SetAttribute(std::string_view name, int32_t value) = 0;
-    virtual void SetAttribute(std::string_view name, uint32_t value) = 0;
-    virtual void SetAttribute(std::string_view name, int64_t value) = 0;
-    virtual void SetAttribute(std::string_view name, uint64_t value) = 0;
-    virtual void SetAttribute(std::string_view name, double value) = 0;
+    void SetAttribute(std::string_view name, bool value);
+    void SetAttribute(std::string_view name, int32_t value);
+    void SetAttribute(std::string_view name, uint32_t value);
+    void SetAttribute(std::string_view name, int64_t value);
+    void SetAttribute(std::string_view name, uint64_t value);
+    void SetAttribute(std::string_view name, double value);
     // Sets an attribute from text that is already in file encoding (no conversion); used for preserved data.
-    virtual void SetRawAttribute(std::string_view name, std::string_view value) = 0;
+    void SetRawAttribute(std::string_view name, std::string_view value);
 
     // Element children in document order; null at the end.
     virtual IDOMElement* GetFirstChild() const = 0;
@@ -92,9 +93,9 @@ public:
     virtual std::string_view GetValue() const = 0;
 
     // Moves `child` (created by the same parser) to the end of this element's children.
-    virtual void AppendChild(IDOMElement* child) = 0;
+    void AppendChild(IDOMElement* child);
     // Appends a node of another kind (comment, text, processing instruction with name and value).
-    virtual void AppendNode(NodeKind kind, std::string_view name, std::string_view value) = 0;
+    void AppendNode(NodeKind kind, std::string_view name, std::string_view value);
 
     // Position in the source text, 1-based; 0 when unknown (built elements).
     virtual size_t GetLine() const = 0;
@@ -107,8 +108,8 @@ protected:
 // The document being read or written.
 class IDOMParser {
 public:
-    // A new element, not yet attached anywhere.
-    virtual IDOMElement* CreateElement(std::string_view tag) = 0;
+    // A new element of a save, not yet attached anywhere (see IDOMElement's writes).
+    IDOMElement* CreateElement(std::string_view tag);
     // Packed version (MakeVersionID) of the document being read; the current version while writing.
     virtual uint32_t GetVersion() const = 0;
     // Records a problem found while reading `where` (may be null); loading fails when any was recorded.
