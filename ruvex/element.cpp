@@ -6,6 +6,7 @@
 #include "pugi_dom.h"
 #include "xml_writer.h"
 
+#include <array>
 #include <utility>
 
 namespace Ruvex {
@@ -206,11 +207,41 @@ void Element::LoadChildren(IDOMElement* element, IDOMParser* parser) {
         m_preserved->nodes.clear();
         m_preserved->containers.clear();
     }
+    // Taken children counted per tag, for the anchors of what is kept; the same tag usually repeats, so the
+    // last entry is tried first. Past kMaxTags distinct tags, kept nodes fall back to plain counts.
+    static constexpr size_t kMaxTags = 16;
+    struct TagCount {
+        std::string_view tag;
+        uint32_t count;
+    };
     struct Context {
         Element* self;
         IDOMParser* parser;
         uint32_t taken;
-    } context{this, parser, 0};
+        size_t last;
+        size_t tags;
+        bool overflow;
+        std::array<TagCount, kMaxTags> counts;
+        void Took(std::string_view tag) {
+            ++taken;
+            if (tags && counts[last].tag == tag) {
+                ++counts[last].count;
+                return;
+            }
+            for (size_t i = 0; i < tags; ++i)
+                if (counts[i].tag == tag) {
+                    last = i;
+                    ++counts[i].count;
+                    return;
+                }
+            if (tags == kMaxTags) {
+                overflow = true;
+                return;
+            }
+            last = tags++;
+            counts[last] = {tag, 1};
+        }
+    } context{this, parser, 0, 0, 0, false, {}};
     // Only a class with single slots needs its frame (the thread-local costs a call each way).
     struct Frame {
         LoadFrame frame;
@@ -230,10 +261,19 @@ void Element::LoadChildren(IDOMElement* element, IDOMParser* parser) {
         NodeKind kind = node->GetNodeKind();
         if (kind == NodeKind::Other) return;
         if (kind == NodeKind::Element && c.self->LoadChild(node, c.parser)) {
-            ++c.taken;
+            c.Took(node->GetTagName());
             return;
         }
-        c.self->EditPreserved().nodes.push_back(CopyNode(node, c.parser, c.taken));
+        PreservedNode& kept = c.self->EditPreserved().nodes.emplace_back(CopyNode(node, c.parser, c.taken));
+        if (c.tags && !c.overflow) {
+            // A child repeating a taken one's tag goes behind that one, so that a reload takes the same child.
+            const TagCount* anchor = &c.counts[c.last];
+            if (kind == NodeKind::Element)
+                for (size_t i = 0; i < c.tags; ++i)
+                    if (c.counts[i].tag == node->GetTagName()) anchor = &c.counts[i];
+            kept.after = std::string(anchor->tag);
+            kept.afterCount = anchor->count;
+        }
     });
 }
 

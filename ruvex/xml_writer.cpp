@@ -701,23 +701,59 @@ void MergePreservedNodes(WriteDocument& document, WriteNode* node, const std::ve
             elements.push_back(n);
     WriteNode* cursor = element(node->firstChild());
     uint32_t index = 0;
-    for (const PreservedNode& p : nodes) {
+    // Children named by the anchors, found before anything is inserted (what is inserted may bear their
+    // names).
+    std::vector<WriteNode*> anchors(nodes.size(), nullptr);
+    {
+        std::string_view tag;
+        uint32_t count = 0;
+        WriteNode* at = nullptr;
+        for (size_t i = 0; i < nodes.size(); ++i) {
+            const PreservedNode& p = nodes[i];
+            if (p.after.empty()) continue;
+            if (tag != p.after || count > p.afterCount) {
+                tag = p.after;
+                count = 0;
+                at = nullptr;
+            }
+            for (WriteNode* n = at ? element(at->next()) : element(node->firstChild());
+                 n && count < p.afterCount; n = element(n->next()))
+                if (n->name() == p.after) {
+                    ++count;
+                    at = n;
+                }
+            if (count == p.afterCount) anchors[i] = at;
+        }
+    }
+    const WriteNode* lastAnchor = nullptr;
+    WriteNode* lastInserted = nullptr;
+    for (size_t i = 0; i < nodes.size(); ++i) {
+        const PreservedNode& p = nodes[i];
         WriteNode* before = nullptr;
-        if (ordered) {
+        WriteNode* after = anchors[i];
+        if (after) {
+            // Right behind the child, or behind what was already put there for it.
+            before = (after == lastAnchor && lastInserted) ? lastInserted->next() : after->next();
+        } else if (ordered) {
             for (; cursor && index < p.anchor; ++index)
                 cursor = element(cursor->next());
             before = cursor;
         } else if (p.anchor < elements.size()) {
             before = elements[p.anchor];
         }
+        WriteNode* inserted = nullptr;
         if (p.kind == NodeKind::Element) {
             if (!p.element) continue;
-            if (auto* built = static_cast<WriteNode*>(p.element->BuildXMLElement(&document)))
-                node->Insert(built, before);
-            continue;
+            inserted = static_cast<WriteNode*>(p.element->BuildXMLElement(&document));
+        } else {
+            inserted = document.NewNode(p.kind == NodeKind::Other ? NodeKind::Text : p.kind, p.name, p.value);
         }
-        node->Insert(document.NewNode(p.kind == NodeKind::Other ? NodeKind::Text : p.kind, p.name, p.value),
-                     before);
+        if (!inserted) continue;
+        node->Insert(inserted, before);
+        if (after) {
+            lastAnchor = after;
+            lastInserted = inserted;
+        }
     }
 }
 

@@ -84,7 +84,11 @@ void Describe(const Element& element, std::string& out) {
 
 void DescribeNodes(const std::vector<PreservedNode>& nodes, std::string& out) {
     for (const PreservedNode& node : nodes) {
-        out += "+@" + std::to_string(node.anchor) + ":" + std::to_string(static_cast<int>(node.kind)) + ":";
+        // A node kept behind a named child is placed by that child; its plain count moves with what a save
+        // adds.
+        const std::string place = node.after.empty() ? std::to_string(node.anchor)
+                                                     : node.after + "#" + std::to_string(node.afterCount);
+        out += "+@" + place + ":" + std::to_string(static_cast<int>(node.kind)) + ":";
         if (node.element)
             Describe(*node.element, out);
         else

@@ -78,3 +78,40 @@ TEST(GenericElement, KeepsUnknownContentThroughLoadAndSave) {
     FirstKept(cleared.Get())->ClearPreserved();
     EXPECT_NE(SaveToString(cleared.Get()).find("<Unknown />"), std::string::npos);
 }
+
+// A second child for a single slot is kept as read; it must go back behind the slot's child even when the
+// save writes children the file did not hold (a default geolocalisation) or in another order, or a reload
+// would take it instead and the next save would differ.
+TEST(GenericElement, RepeatedSingleChildStaysBehindTheOneTaken) {
+    const char* const documents[] = {
+        R"(<Ruvex version="2.5" versionRevision="0"><Network name="Town">
+ <GeneratedTerrainMaterial><Material name="Grass" shininess="0.5"/></GeneratedTerrainMaterial>
+ <GeneratedTerrainMaterial><Material name="Grass" odd="0.1"/></GeneratedTerrainMaterial>
+</Network></Ruvex>)",
+        R"(<Ruvex version="2.5" versionRevision="0"><Network name="Town">
+ <ExternalPhysicSurface filePath="taken.psf"/>
+ <ExternalSurface filePath="s.rsf"/>
+ <ExternalPhysicSurface filePath="kept.psf"/>
+ <!--after the surface-->
+ <Survey/>
+</Network></Ruvex>)",
+    };
+    for (const char* document : documents) {
+        SCOPED_TRACE(document);
+        CountedPtr<Element> root(Load(document, true));
+        ASSERT_TRUE(root);
+        const std::string first = SaveToString(root.Get());
+        CountedPtr<Element> again(Load(first.c_str(), true));
+        ASSERT_TRUE(again);
+        EXPECT_EQ(SaveToString(again.Get()), first);
+    }
+    CountedPtr<Element> root(Load(documents[1], true));
+    const std::string saved = SaveToString(root.Get());
+    const size_t taken = saved.find("taken.psf"), kept = saved.find("kept.psf");
+    const size_t comment = saved.find("<!--after the surface-->"), survey = saved.find("<Survey");
+    ASSERT_NE(kept, std::string::npos);
+    EXPECT_LT(taken, kept) << saved;
+    // What followed a child in the file still follows it, in the file's order.
+    EXPECT_LT(saved.find("s.rsf"), comment) << saved;
+    EXPECT_LT(comment, survey) << saved;
+}

@@ -20,8 +20,13 @@ struct PackedAccess;
 // containers, the same again. It is written back unchanged, so load -> save -> load loses nothing.
 struct PreservedNode {
     NodeKind kind = NodeKind::Element;
-    // Number of element children the class itself took before this node: where it goes back on save.
+    // Number of element children the class itself took before this node: where it goes back on save when
+    // `after` is empty.
     uint32_t anchor = 0;
+    // Otherwise it goes back right after the `afterCount`-th taken child named `after`: a save may write
+    // children the file did not hold (defaults) or in another order, and counts alone would then move it.
+    std::string after;
+    uint32_t afterCount = 0;
     std::string name;   // processing-instruction target
     std::string value;  // text, comment or processing-instruction body (file encoding)
     CountedPtr<Element> element;
