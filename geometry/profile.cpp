@@ -72,8 +72,8 @@ bool Profile::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser*
     if (!element || !parser) return false;
     m_Lanes.clear();
     m_LaneBorders.clear();
-    m_line = element->GetLine();
-    m_column = element->GetColumn();
+    m_line = 0;
+    m_column = 0;
     bool loaded = false;
     if (parser->GetVersion() <= kProfileLegacyVersion)
         loaded = QorOldData::DataConverter::LoadProfile(this, element, parser);
@@ -84,7 +84,24 @@ bool Profile::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser*
         parser->ReportWarning(element, "unknown road type \"" + m_RoadTypeText + "\", read as unknown");
     UpdateLaneToLaneBorderMap();
     UpdateLaneBorderToLaneMap();
+    // A place costs a pass over the file's lines: only a profile that loads unsound keeps its own and its
+    // borders'.
+    if (!CheckStructure().empty()) RecordPlaces(element);
     return loaded;
+}
+
+void Profile::RecordPlaces(Ruvex::IDOMElement* element) {
+    m_line = element->GetLine();
+    m_column = element->GetColumn();
+    size_t next = 0;
+    for (Ruvex::IDOMElement* child = element->GetFirstNode(); child && next < m_borders.size();
+         child = child->GetNextNode()) {
+        if (child->GetNodeKind() != Ruvex::NodeKind::Element || child->GetTagName() != "LaneBorder") continue;
+        if (LaneBorder* border = m_borders[next++]) {
+            border->m_line = child->GetLine();
+            border->m_column = child->GetColumn();
+        }
+    }
 }
 
 void Profile::RefreshViews() {

@@ -452,6 +452,7 @@ public:
 private:
     // The typed views of the record's lists.
     void RefreshViews();
+    void RecordPlaces(Ruvex::IDOMElement* element);
     void UpdateMaps();
 
     ERoadType m_roadType = eRoadNone;
