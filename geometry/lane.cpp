@@ -297,8 +297,9 @@ LaneBorder::~LaneBorder() = default;
 
 bool LaneBorder::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
-    m_line = element->GetLine();
-    m_column = element->GetColumn();
+    // The place is the profile's to record (only when it loads unsound).
+    m_line = 0;
+    m_column = 0;
     return Ruvex::LaneBorderElement::LoadFromXMLElement(element, parser);
 }
 

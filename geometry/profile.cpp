@@ -72,8 +72,8 @@ bool Profile::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser*
     if (!element || !parser) return false;
     m_Lanes.clear();
     m_LaneBorders.clear();
-    m_line = element->GetLine();
-    m_column = element->GetColumn();
+    m_line = 0;
+    m_column = 0;
     bool loaded = false;
     if (parser->GetVersion() <= kProfileLegacyVersion)
         loaded = QorOldData::DataConverter::LoadProfile(this, element, parser);
@@ -84,7 +84,24 @@ bool Profile::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser*
         parser->ReportWarning(element, "unknown road type \"" + m_RoadTypeText + "\", read as unknown");
     UpdateLaneToLaneBorderMap();
     UpdateLaneBorderToLaneMap();
+    // A place costs a pass over the file's lines: only a profile that loads unsound keeps its own and its
+    // borders'.
+    if (!CheckStructure().empty()) RecordPlaces(element);
     return loaded;
+}
+
+void Profile::RecordPlaces(Ruvex::IDOMElement* element) {
+    m_line = element->GetLine();
+    m_column = element->GetColumn();
+    size_t next = 0;
+    for (Ruvex::IDOMElement* child = element->GetFirstNode(); child && next < m_borders.size();
+         child = child->GetNextNode()) {
+        if (child->GetNodeKind() != Ruvex::NodeKind::Element || child->GetTagName() != "LaneBorder") continue;
+        if (LaneBorder* border = m_borders[next++]) {
+            border->m_line = child->GetLine();
+            border->m_column = child->GetColumn();
+        }
+    }
 }
 
 void Profile::RefreshViews() {
@@ -103,16 +120,10 @@ void Profile::RefreshViews() {
 
 void Profile::UpdateLaneToLaneBorderMap() {
     RefreshViews();
-    m_laneToBorders.clear();
-    for (size_t i = 0; i < m_lanes.size(); ++i)
-        if (m_lanes[i]) m_laneToBorders[m_lanes[i]] = {GetLaneBorder(i), GetLaneBorder(i + 1)};
 }
 
 void Profile::UpdateLaneBorderToLaneMap() {
     RefreshViews();
-    m_borderToLanes.clear();
-    for (size_t i = 0; i < m_borders.size(); ++i)
-        if (m_borders[i]) m_borderToLanes[m_borders[i]] = {i > 0 ? GetLane(i - 1) : nullptr, GetLane(i)};
 }
 
 void Profile::UpdateMaps() {
@@ -221,24 +232,37 @@ bool Profile::SetCirculationWay(size_t lane, ECirculationWay way) {
     return true;
 }
 
+namespace {
+
+// Profiles hold a handful of lanes: a scan of the typed view costs less than a map per profile, in bytes and
+// in load time. From the back, so that an object listed twice answers for its last place.
+template <typename T>
+size_t LastIndexOf(const std::vector<T*>& items, const T* item) {
+    for (size_t i = items.size(); i-- > 0;)
+        if (items[i] == item) return i;
+    return items.size();
+}
+
+}  // namespace
+
 LaneBorder* Profile::GetLeftLaneBorder(const Lane* lane) const {
-    const auto it = m_laneToBorders.find(lane);
-    return it == m_laneToBorders.end() ? nullptr : it->second.first;
+    const size_t i = lane ? LastIndexOf(m_lanes, lane) : m_lanes.size();
+    return i < m_lanes.size() ? GetLaneBorder(i) : nullptr;
 }
 
 LaneBorder* Profile::GetRightLaneBorder(const Lane* lane) const {
-    const auto it = m_laneToBorders.find(lane);
-    return it == m_laneToBorders.end() ? nullptr : it->second.second;
+    const size_t i = lane ? LastIndexOf(m_lanes, lane) : m_lanes.size();
+    return i < m_lanes.size() ? GetLaneBorder(i + 1) : nullptr;
 }
 
 Lane* Profile::GetLeftLane(const LaneBorder* border) const {
-    const auto it = m_borderToLanes.find(border);
-    return it == m_borderToLanes.end() ? nullptr : it->second.first;
+    const size_t i = border ? LastIndexOf(m_borders, border) : m_borders.size();
+    return i < m_borders.size() && i > 0 ? GetLane(i - 1) : nullptr;
 }
 
 Lane* Profile::GetRightLane(const LaneBorder* border) const {
-    const auto it = m_borderToLanes.find(border);
-    return it == m_borderToLanes.end() ? nullptr : it->second.second;
+    const size_t i = border ? LastIndexOf(m_borders, border) : m_borders.size();
+    return i < m_borders.size() ? GetLane(i) : nullptr;
 }
 
 std::pair<double, double> Profile::GetLeftPos() const {

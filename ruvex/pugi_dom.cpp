@@ -209,13 +209,33 @@ pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth) {
     return walker.found;
 }
 
+namespace {
+
+// The common case, no name given twice, answered with one call into pugixml per attribute and a first-letter
+// test before any string compare; only a node that fails it is walked again to drop the repeats.
+bool HasRepeatedName(pugi::xml_attribute first) {
+    constexpr size_t kMostCompared = 32;
+    const char* names[kMostCompared];
+    size_t count = 0;
+    for (pugi::xml_attribute a = first; a; a = a.next_attribute()) {
+        if (count == kMostCompared) return true;
+        const char* name = a.name();
+        for (size_t i = 0; i < count; ++i)
+            if (names[i][0] == name[0] && std::strcmp(names[i], name) == 0) return true;
+        names[count++] = name;
+    }
+    return false;
+}
+
+}  // namespace
+
 void PugiDocument::DropRepeatedAttributes() {
     // No recursion: down to the first child, else on to the next sibling of the nearest ancestor that has
     // one.
     pugi::xml_node node = m_doc.first_child();
     while (node) {
         pugi::xml_attribute first = node.first_attribute();
-        if (first && first.next_attribute()) {
+        if (first && first.next_attribute() && HasRepeatedName(first)) {
             for (pugi::xml_attribute a = first.next_attribute(); a;) {
                 pugi::xml_attribute next = a.next_attribute();
                 for (pugi::xml_attribute b = first; b != a; b = b.next_attribute())

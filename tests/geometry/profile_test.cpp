@@ -163,6 +163,21 @@ TEST(Profile, LaneWithDistance) {
     EXPECT_EQ(profile->GetLeftPos(), std::make_pair(0.0, 0.0));
 }
 
+TEST(Profile, LanesAndBordersOfAnotherProfileFindNothing) {
+    CountedPtr<Profile> profile = MakeProfile({-3.5, 0, 3.5});
+    CountedPtr<Profile> other = MakeProfile({-3.5, 0, 3.5});
+    EXPECT_EQ(profile->GetLeftLaneBorder(other->GetLane(0)), nullptr);
+    EXPECT_EQ(profile->GetRightLaneBorder(other->GetLane(1)), nullptr);
+    EXPECT_EQ(profile->GetLeftLane(other->GetLaneBorder(1)), nullptr);
+    EXPECT_EQ(profile->GetRightLane(other->GetLaneBorder(0)), nullptr);
+    EXPECT_EQ(profile->GetLeftLaneBorder(nullptr), nullptr);
+    EXPECT_EQ(profile->GetRightLane(nullptr), nullptr);
+    // The outermost borders have a lane on one side only.
+    EXPECT_EQ(profile->GetLeftLane(profile->GetLaneBorder(0)), nullptr);
+    EXPECT_EQ(profile->GetRightLane(profile->GetLaneBorder(2)), nullptr);
+    EXPECT_EQ(profile->GetLeftLane(profile->GetLaneBorder(2)), profile->GetLane(1));
+}
+
 TEST(Profile, MapsStayInStepThroughRandomEdits) {
     std::mt19937 random(20240917);
     CountedPtr<Profile> profile(new Profile);

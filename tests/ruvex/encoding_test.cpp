@@ -181,6 +181,28 @@ TEST(Encoding, WhatXmlCannotHoldIsReplacedWithAWarningAtItsPlace) {
     EXPECT_EQ(NotWellFormed(saved), "");
 }
 
+TEST(Encoding, RepeatedAttributesAmongManyAndAlike) {
+    // Names alike in their first letters are not repeats; many distinct names are kept whole.
+    std::string attributes;
+    for (int i = 0; i < 40; ++i)
+        attributes += " x" + std::to_string(i) + "=\"" + std::to_string(i) + "\"";
+    CountedPtr<Element> root =
+        LoadBytes("<Ruvex><Network name=\"N\" nam=\"1\" names=\"2\"" + attributes + "/></Ruvex>");
+    ASSERT_TRUE(root);
+    EXPECT_TRUE(Places().empty());
+    std::string saved = SaveToString(root.Get());
+    EXPECT_NE(saved.find("nam=\"1\" names=\"2\""), std::string::npos) << saved;
+    EXPECT_NE(saved.find("x39=\"39\""), std::string::npos) << saved;
+
+    // A repeat far down a long list is still found, and the last value stands.
+    root = LoadBytes("<Ruvex><Network name=\"N\"" + attributes + " x3=\"last\"/></Ruvex>");
+    ASSERT_TRUE(root);
+    EXPECT_EQ(Places(), (std::vector<Place>{{1, 9, true}}));
+    saved = SaveToString(root.Get());
+    EXPECT_NE(saved.find("x3=\"last\""), std::string::npos) << saved;
+    EXPECT_EQ(saved.find("x3=\"3\""), std::string::npos) << saved;
+}
+
 TEST(Encoding, PlacesAreThoseOfTheFileWhateverItsEncoding) {
     // A bad value after non-ASCII text on its line and on the lines before: the column counts the file's
     // code units (bytes for Latin-1, 16-bit units for UTF-16); a replaced reference before it changes

@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -396,8 +395,8 @@ public:
     double GetRightPosX() const { return GetRightPos().first; }
     double GetRightPosY() const { return GetRightPos().second; }
 
-    // Rebuild the maps (and the typed views of the lists) from the record's lists; call after editing the
-    // lists through the record.
+    // Rebuild the typed views of the lists, through which lanes and borders find each other, from the
+    // record's lists; call after editing the lists through the record.
     void UpdateLaneToLaneBorderMap();
     void UpdateLaneBorderToLaneMap();
 
@@ -452,6 +451,7 @@ public:
 private:
     // The typed views of the record's lists.
     void RefreshViews();
+    void RecordPlaces(Ruvex::IDOMElement* element);
     void UpdateMaps();
 
     ERoadType m_roadType = eRoadNone;
@@ -459,8 +459,6 @@ private:
     // Typed views of the record's lists (null where an item is a plain record) and the two maps.
     std::vector<Lane*> m_lanes;
     std::vector<LaneBorder*> m_borders;
-    std::unordered_map<const Lane*, std::pair<LaneBorder*, LaneBorder*>> m_laneToBorders;
-    std::unordered_map<const LaneBorder*, std::pair<Lane*, Lane*>> m_borderToLanes;
     size_t m_line = 0;
     size_t m_column = 0;
 };
