@@ -71,6 +71,14 @@ struct LightsOptions {
 };
 int RunLights(const LightsOptions& options);
 
+// Every problem of a document (a network, a profile library or a rail network) that the library can find,
+// one "file:line:column: message" per line on stdout in document order; 1 when there is any.
+struct ValidateOptions {
+    std::string file;
+    bool json = false;
+};
+int RunValidate(const ValidateOptions& options);
+
 // Loads `file` into `network`. A file that does not load, or loads only by overlooking values that do not
 // parse, is bad input: its problems are printed one per line and 1 is returned; 0 otherwise.
 int LoadNetwork(const std::string& file, Ruvex::CountedPtr<Orvia::Network>& network);

@@ -68,12 +68,20 @@ int main(int argc, char** argv) {
     from->needs(to, step)->excludes(at);
     lightsCommand->add_flag("--json", lights.json, "Print as one JSON object");
 
+    OrviaTool::ValidateOptions validate;
+    CLI::App* validateCommand =
+        app.add_subcommand("validate", "List every problem of a document with its place.");
+    validateCommand->add_option("FILE", validate.file, "Network, profile library or rail network file")
+        ->required();
+    validateCommand->add_flag("--json", validate.json, "Print the problems as one JSON object");
+
     CLI11_PARSE(app, argc, argv);
 
     if (*infoCommand) return OrviaTool::RunInfo(info);
     if (*railCommand) return OrviaTool::RunRail(rail);
     if (*profilesCommand) return OrviaTool::RunProfiles(profiles);
     if (*lightsCommand) return OrviaTool::RunLights(lights);
+    if (*validateCommand) return OrviaTool::RunValidate(validate);
     if (*convertCommand) {
         convert.absolutePaths = absolute->count() > 0;
         return OrviaTool::RunConvert(convert);
