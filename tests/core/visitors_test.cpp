@@ -2,12 +2,16 @@
 #include <orvia/core/external_element.h>
 #include <orvia/core/network.h>
 #include <orvia/core/visitors.h>
+#include <orvia/geometry/profile.h>
+#include <orvia/topology/entities_generation.h>
 #include <orvia/topology/sub_network.h>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -100,4 +104,194 @@ TEST_F(Directories, NetworkWalkReachesEveryFileAndRestoresTheSearchList) {
     // Null parts are ignored.
     visitor.Apply(static_cast<Orvia::Network*>(nullptr));
     visitor.Apply(static_cast<Orvia::SubNetwork*>(nullptr));
+}
+
+namespace {
+
+// Every kind of file reference once, plus materials that markings, lanes and borders share by name, an
+// external entity without a path and a second sub-network.
+constexpr const char* kEveryFile = R"(<?xml version="1.0" encoding="UTF-8"?>
+<Ruvex version="2.5" versionRevision="0">
+  <Network name="Town">
+    <ExternalTerrain filePath="terrain/town.obj"/>
+    <ExternalSurface filePath="surfaces/town.rsf"/>
+    <ExternalPhysicSurface filePath="surfaces/town.psf"/>
+    <GeneratedTerrainMaterial>
+      <Material name="Grass" filePath="materials/grass.mat"><Diffuse filePath="textures/grass.png"/></Material>
+    </GeneratedTerrainMaterial>
+    <SubNetworks>
+      <SubNetwork name="Centre">
+        <ProxyFile filePath="proxies/centre.xml"/>
+        <ExternalTerrain filePath="terrain/centre.obj"/>
+        <ExternalSurface filePath="surfaces/centre.rsf"/>
+        <ExternalPhysicSurface filePath="surfaces/centre.psf"/>
+        <Materials>
+          <Material name="Paint" filePath="materials/paint.mat">
+            <Diffuse filePath="textures/paint.png"/><Bump filePath="textures/paint_bump.png"/>
+          </Material>
+          <Material name="Kerb" filePath="materials/kerb.mat"/>
+        </Materials>
+        <Markings><Marking name="Solid" material="Paint"/></Markings>
+        <Profiles>
+          <Profile name="OneLane">
+            <Lane name="Right" material="Kerb"/>
+            <LaneBorder horizDistToAxis="0" markingName="Solid"/>
+            <LaneBorder horizDistToAxis="3.5"><Decoration material="Kerb"/></LaneBorder>
+          </Profile>
+        </Profiles>
+        <Intersections>
+          <Intersection name="Square">
+            <MarkClippedData name="Fountain"><ExternalElement filePath="objects/fountain.obj"/></MarkClippedData>
+          </Intersection>
+        </Intersections>
+        <ParkingSpots>
+          <ParkingSpot name="Disabled"><ParkingSpotSkin fillingTexture="textures/blue.png"/></ParkingSpot>
+        </ParkingSpots>
+        <EntitiesGenerations>
+          <EntitiesGeneration name="Pupils">
+            <ExternalEntity filePath="entities/child.xml"/>
+            <ExternalEntity/>
+          </EntitiesGeneration>
+        </EntitiesGenerations>
+      </SubNetwork>
+      <SubNetwork name="Outskirts">
+        <ExternalTerrain filePath="terrain/outskirts.obj"/>
+      </SubNetwork>
+    </SubNetworks>
+  </Network>
+</Ruvex>
+)";
+
+// Records each slot call as "slot:path" ("slot:" for null), and the sub-network brackets.
+class Recorder final : public Orvia::OrviaVisitor {
+public:
+    void Traverse(Ruvex::ParkingSpotSkinElement* skin) override {
+        calls.push_back("skin:" + (skin ? skin->GetFillingTexture() : ""));
+    }
+    void Traverse(Ruvex::ExternalEntityElement* entity) override {
+        calls.push_back("entity:" + (entity ? entity->GetFilePath() : ""));
+    }
+    void Traverse(Ruvex::MaterialElement* material) override {
+        calls.push_back("material:" + (material ? material->GetFilePath() : ""));
+        OrviaVisitor::Traverse(material);
+    }
+    void Traverse(Ruvex::MaterialChanelElement* chanel) override {
+        if (chanel) calls.push_back("chanel:" + chanel->GetFilePath());
+    }
+    void Traverse(Orvia::ExternalElement* element) override {
+        if (element) calls.push_back("file:" + element->GetFilePath());
+    }
+    void Traverse(Orvia::SubNetwork* subNetwork) override {
+        calls.push_back("begin:" + subNetwork->GetName());
+    }
+    void EndTraverse(Orvia::SubNetwork* subNetwork) override {
+        calls.push_back("end:" + subNetwork->GetName());
+    }
+    std::vector<std::string> calls;
+};
+
+std::string ReadAll(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+}  // namespace
+
+TEST(OrviaVisitor, EveryFileReferenceOnceInWalkOrder) {
+    CountedPtr<Orvia::Network> network(Orvia::Network::Load(kEveryFile, 0, {}));
+    ASSERT_TRUE(network);
+    Recorder recorder;
+    recorder.Apply(network.Get());
+    const std::vector<std::string> expected = {"file:terrain/town.obj",
+                                               "file:surfaces/town.rsf",
+                                               "file:surfaces/town.psf",
+                                               "material:materials/grass.mat",
+                                               "chanel:textures/grass.png",
+                                               "begin:Centre",
+                                               "file:terrain/centre.obj",
+                                               "file:surfaces/centre.rsf",
+                                               "file:surfaces/centre.psf",
+                                               "file:proxies/centre.xml",
+                                               "material:materials/paint.mat",
+                                               "chanel:textures/paint.png",
+                                               "chanel:textures/paint_bump.png",
+                                               "material:materials/kerb.mat",
+                                               "file:objects/fountain.obj",
+                                               "entity:entities/child.xml",
+                                               "skin:textures/blue.png",
+                                               "end:Centre",
+                                               "begin:Outskirts",
+                                               "file:terrain/outskirts.obj",
+                                               "end:Outskirts"};
+    EXPECT_EQ(recorder.calls, expected);
+
+    // On their own, a profile and a marking pass their materials, an entity generation every entity.
+    Orvia::SubNetwork* centre = network->GetSubNetwork(0);
+    Recorder parts;
+    parts.Apply(dynamic_cast<Orvia::Profile*>(centre->GetProfiles()[0].Get()));
+    parts.Apply(dynamic_cast<Orvia::Marking*>(centre->GetMarkings()[0].Get()));
+    parts.Apply(dynamic_cast<Orvia::EntitiesGeneration*>(centre->GetEntitiesGenerations()[0].Get()));
+    EXPECT_EQ(parts.calls, (std::vector<std::string>{
+                               "material:materials/kerb.mat", "material:materials/paint.mat",
+                               "chanel:textures/paint.png", "chanel:textures/paint_bump.png",
+                               "material:materials/paint.mat", "chanel:textures/paint.png",
+                               "chanel:textures/paint_bump.png", "entity:entities/child.xml", "entity:"}));
+    parts.Apply(static_cast<Orvia::Profile*>(nullptr));
+    parts.Apply(static_cast<Orvia::Marking*>(nullptr));
+    parts.Apply(static_cast<Orvia::EntitiesGeneration*>(nullptr));
+    EXPECT_EQ(parts.calls.size(), 9u);
+}
+
+TEST_F(Directories, AbsoluteThenRelativeRestoresTheBytes) {
+    CountedPtr<Orvia::Network> network(Orvia::Network::Load(kEveryFile, 0, {}));
+    ASSERT_TRUE(network);
+    ASSERT_TRUE(network->Save((root_ / "before.xml").c_str()));
+
+    network->MakeAbsolutePaths({b_});
+    Orvia::SubNetwork* centre = network->GetSubNetwork(0);
+    // Found nowhere: the last directory, not the proxy's.
+    EXPECT_EQ(centre->GetProxyFile()->GetFilePath(), b_ + "/proxies/centre.xml");
+    EXPECT_EQ(centre->GetTerrain()->GetFilePath(), b_ + "/terrain/centre.obj");
+    EXPECT_EQ(centre->GetParkingSpots()[0]->GetSkin()->GetFillingTexture(), b_ + "/textures/blue.png");
+    EXPECT_EQ(centre->GetEntitiesGenerations()[0]->GetExternalEntities()[0]->GetFilePath(),
+              b_ + "/entities/child.xml");
+    EXPECT_EQ(centre->GetEntitiesGenerations()[0]->GetExternalEntities()[1]->GetFilePath(), "");
+    EXPECT_EQ(network->GetSubNetwork(1)->GetTerrain()->GetFilePath(), b_ + "/terrain/outskirts.obj");
+
+    const std::vector<std::string> directories{b_};
+    ASSERT_TRUE(network->MakeRelativePathsAndSave((root_ / "after.xml").c_str(), &directories));
+    EXPECT_EQ(ReadAll(root_ / "after.xml"), ReadAll(root_ / "before.xml"));
+}
+
+TEST_F(Directories, CheckAndReplaceSeeEachPathExactly) {
+    CountedPtr<Orvia::Network> network(Orvia::Network::Load(kEveryFile, 0, {}));
+    ASSERT_TRUE(network);
+    network->GetSubNetwork(1)->GetTerrain()->SetFilePath("terrain/town.obj");
+    network->SetRollingSurfaceFilePath(a_ + "/tex/local.obj");
+    network->MakeAbsolutePaths({a_});
+
+    Orvia::CheckFilesVisitor check;
+    check.Apply(network.Get());
+    const std::set<std::string>& missing = check.GetMissingFiles();
+    // Two places, one entry; an existing file is not reported; entity files and skins are not checked.
+    EXPECT_EQ(missing.count(a_ + "/terrain/town.obj"), 1u);
+    EXPECT_EQ(missing.count(a_ + "/tex/local.obj"), 0u);
+    EXPECT_EQ(missing.count(a_ + "/entities/child.xml"), 0u);
+    EXPECT_EQ(missing.count(a_ + "/objects/fountain.obj"), 1u);
+    EXPECT_EQ(missing.count(a_ + "/textures/paint_bump.png"), 1u);
+    EXPECT_EQ(missing.size(), 13u);
+
+    // Case matters; every place holding the path is replaced.
+    Orvia::ReplaceFileVisitor wrongCase(a_ + "/TERRAIN/town.obj", "x.obj");
+    wrongCase.Apply(network.Get());
+    EXPECT_EQ(network->GetGlobalTerrainFilePath(), a_ + "/terrain/town.obj");
+    Orvia::ReplaceFileVisitor replace(a_ + "/terrain/town.obj", "x.obj");
+    replace.Apply(network.Get());
+    EXPECT_EQ(network->GetGlobalTerrainFilePath(), "x.obj");
+    EXPECT_EQ(network->GetSubNetwork(1)->GetTerrain()->GetFilePath(), "x.obj");
+    Orvia::ReplaceFileVisitor chanel(a_ + "/textures/paint.png", "p.png");
+    chanel.Apply(network.Get());
+    auto& paint = network->GetSubNetwork(0)->GetMaterials()[0];
+    EXPECT_EQ(paint->GetDiffuse()->GetFilePath(), "p.png");
+    EXPECT_EQ(paint->GetFilePath(), a_ + "/materials/paint.mat");
 }

@@ -84,6 +84,30 @@ struct QueryOptions {
 };
 int RunQuery(const QueryOptions& options);
 
+// Every problem of a document (a network, a profile library or a rail network) that the library can find,
+// one "file:line:column: message" per line on stdout in document order; 1 when there is any.
+struct ValidateOptions {
+    std::string file;
+    bool json = false;
+};
+int RunValidate(const ValidateOptions& options);
+
+// Every external file the network refers to, one "ok|missing<TAB>path<TAB>element" per line in walk order,
+// paths as stored (or made absolute or relative); existence is judged against the network's directory.
+// With `replaceOld`, that path is replaced everywhere first; with `output`, the network is saved there.
+// With `check`, 1 when any file is missing.
+struct FilesOptions {
+    std::string file;
+    bool check = false;
+    bool relative = false;
+    bool absolute = false;
+    std::string replaceOld;
+    std::string replaceNew;
+    std::string output;
+    bool json = false;
+};
+int RunFiles(const FilesOptions& options);
+
 // Loads `file` into `network`. A file that does not load, or loads only by overlooking values that do not
 // parse, is bad input: its problems are printed one per line and 1 is returned; 0 otherwise.
 int LoadNetwork(const std::string& file, Ruvex::CountedPtr<Orvia::Network>& network);

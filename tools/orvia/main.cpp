@@ -77,6 +77,29 @@ int main(int argc, char** argv) {
     queryCommand->add_option("--step", query.step, "Sample the whole track every STEP metres");
     queryCommand->add_flag("--json", query.json, "Print the result as one JSON object");
 
+    OrviaTool::ValidateOptions validate;
+    CLI::App* validateCommand =
+        app.add_subcommand("validate", "List every problem of a document with its place.");
+    validateCommand->add_option("FILE", validate.file, "Network, profile library or rail network file")
+        ->required();
+    validateCommand->add_flag("--json", validate.json, "Print the problems as one JSON object");
+
+    OrviaTool::FilesOptions files;
+    std::vector<std::string> replace;
+    CLI::App* filesCommand =
+        app.add_subcommand("files", "List the external files a network refers to, check or rewrite them.");
+    filesCommand->add_option("FILE", files.file, "Network file")->required();
+    filesCommand->add_flag("--check", files.check, "Exit with 1 when a file is missing");
+    CLI::Option* filesRelative =
+        filesCommand->add_flag("--relative", files.relative, "Make paths relative to the output's directory");
+    filesCommand->add_flag("--absolute", files.absolute, "Make paths absolute against FILE's directory")
+        ->excludes(filesRelative);
+    CLI::Option* output = filesCommand->add_option("-o,--output", files.output, "Save the network to OUT");
+    filesCommand->add_option("--replace", replace, "Replace the path OLD by NEW everywhere")
+        ->expected(2)
+        ->needs(output);
+    filesCommand->add_flag("--json", files.json, "Print the listing as one JSON object");
+
     CLI11_PARSE(app, argc, argv);
 
     if (*queryCommand) return OrviaTool::RunQuery(query);
@@ -85,6 +108,14 @@ int main(int argc, char** argv) {
     if (*railCommand) return OrviaTool::RunRail(rail);
     if (*profilesCommand) return OrviaTool::RunProfiles(profiles);
     if (*lightsCommand) return OrviaTool::RunLights(lights);
+    if (*validateCommand) return OrviaTool::RunValidate(validate);
+    if (*filesCommand) {
+        if (replace.size() == 2) {
+            files.replaceOld = replace[0];
+            files.replaceNew = replace[1];
+        }
+        return OrviaTool::RunFiles(files);
+    }
     if (*convertCommand) {
         convert.absolutePaths = absolute->count() > 0;
         return OrviaTool::RunConvert(convert);

@@ -2,23 +2,31 @@
 
 // Walks over the file references of a model.
 
+#include <set>
 #include <string>
 #include <vector>
 
 namespace Ruvex {
+class ExternalEntityElement;
 class MaterialChanelElement;
 class MaterialElement;
+class ParkingSpotSkinElement;
 }  // namespace Ruvex
 
 namespace Orvia {
 
+class EntitiesGeneration;
 class ExternalElement;
+class Marking;
 class Network;
+class Profile;
 class SubNetwork;
 
 // Calls one overridable operation per file reference. Every operation accepts null and then does nothing.
 class OrviaVisitor {
 public:
+    virtual void Traverse(Ruvex::ParkingSpotSkinElement* skin);
+    virtual void Traverse(Ruvex::ExternalEntityElement* entity);
     // A material: by default, each of its eight channels in stored order (absent ones as null).
     virtual void Traverse(Ruvex::MaterialElement* material);
     virtual void Traverse(Ruvex::MaterialChanelElement* chanel);
@@ -31,8 +39,16 @@ public:
     // terrain, its background images (ascending camera index), then each sub-network. Null is ignored.
     void Apply(Network* network);
     // Traverse(sub-network); its terrain, rolling surface, physical surface and proxy file; its materials;
-    // EndTraverse(sub-network). Null is ignored.
+    // the materials of its markings; the 3D objects of its intersections' clipped data; its profiles; the
+    // external entities (with a path) of its entity generations; the skins of its parking spots;
+    // EndTraverse(sub-network). A material that several of these share is visited once, so every file
+    // reference of the sub-network reaches the visitor exactly once. Null is ignored.
     void Apply(SubNetwork* subNetwork);
+    // The material of each lane, then the marking's and the decoration's material of each border.
+    void Apply(Profile* profile);
+    void Apply(Marking* marking);
+    // Each external entity, in order.
+    void Apply(EntitiesGeneration* generation);
 
 protected:
     OrviaVisitor() = default;
@@ -54,6 +70,8 @@ public:
     const std::vector<std::string>& GetSearchPaths() const { return m_searchPaths; }
 
     using OrviaVisitor::Traverse;
+    void Traverse(Ruvex::ParkingSpotSkinElement* skin) override;
+    void Traverse(Ruvex::ExternalEntityElement* entity) override;
     // The material's own file, then its channels.
     void Traverse(Ruvex::MaterialElement* material) override;
     void Traverse(Ruvex::MaterialChanelElement* chanel) override;
@@ -72,6 +90,44 @@ private:
     ERelativePathMode m_mode;
     std::vector<std::string> m_searchPaths;
     bool m_fixCase = false;
+};
+
+// Collects the paths of material, channel and external files that do not exist. Textures of parking-spot
+// skins and files of external entities are not checked.
+class CheckFilesVisitor : public OrviaVisitor {
+public:
+    // Sorted, without duplicates.
+    const std::set<std::string>& GetMissingFiles() const { return m_missingFiles; }
+
+    using OrviaVisitor::Traverse;
+    // The material's own file, then its channels.
+    void Traverse(Ruvex::MaterialElement* material) override;
+    void Traverse(Ruvex::MaterialChanelElement* chanel) override;
+    void Traverse(ExternalElement* element) override;
+
+protected:
+    // Adds a non-empty path whose file does not exist.
+    void Check(const std::string& path);
+
+private:
+    std::set<std::string> m_missingFiles;
+};
+
+// Replaces one path by another in materials, channels and external elements. Paths are compared exactly,
+// case included.
+class ReplaceFileVisitor : public OrviaVisitor {
+public:
+    ReplaceFileVisitor(const std::string& oldPath, const std::string& newPath);
+
+    using OrviaVisitor::Traverse;
+    // The material's own file, then its channels.
+    void Traverse(Ruvex::MaterialElement* material) override;
+    void Traverse(Ruvex::MaterialChanelElement* chanel) override;
+    void Traverse(ExternalElement* element) override;
+
+private:
+    std::string m_oldPath;
+    std::string m_newPath;
 };
 
 }  // namespace Orvia

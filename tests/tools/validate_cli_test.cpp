@@ -1,0 +1,124 @@
+// `orvia validate` run as a user would.
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+struct CommandRun {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string Slurp(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// One folder per test: ctest runs the tests side by side.
+class ValidateCommand : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = std::filesystem::temp_directory_path() /
+               ("orvia_validate_cli_" +
+                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+        std::filesystem::create_directories(dir_);
+    }
+    void TearDown() override { std::filesystem::remove_all(dir_); }
+
+    std::string Write(const std::string& name, const std::string& text) const {
+        std::ofstream(dir_ / name) << text;
+        return (dir_ / name).string();
+    }
+    CommandRun Run(const std::string& arguments) const {
+        const std::string command = std::string("'") + ORVIA_CLI + "' validate " + arguments + " >'" +
+                                    (dir_ / "out").string() + "' 2>'" + (dir_ / "err").string() + "'";
+        const int raw = std::system(command.c_str());
+        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(dir_ / "out"), Slurp(dir_ / "err")};
+    }
+
+    std::filesystem::path dir_;
+};
+
+}  // namespace
+
+TEST_F(ValidateCommand, CleanDocumentsPass) {
+    for (const char* name : {"examples/city_centre.xml", "tests/data/profiles.xml", "tests/data/rail.xml"}) {
+        const CommandRun run = Run(std::string("'") + ORVIA_SOURCE_DIR + "/" + name + "'");
+        EXPECT_EQ(run.status, 0) << name << run.out << run.err;
+        EXPECT_EQ(run.out, "") << name;
+    }
+    const CommandRun json = Run(std::string("--json '") + ORVIA_SOURCE_DIR + "/examples/city_centre.xml'");
+    EXPECT_EQ(json.status, 0);
+    EXPECT_NE(json.out.find("\"problems\": []}"), std::string::npos) << json.out;
+}
+
+TEST_F(ValidateCommand, EveryCheckReportsInDocumentOrder) {
+    // Line 3: a value that does not parse; line 4: lanes and borders that do not match; line 14: a light
+    // group that names no sign.
+    const std::string file = Write("bad.xml", R"(<Ruvex version="2.5" versionRevision="0"><Network name="N">
+<Roads><Road name="R" priorityLevel="high"/></Roads><SubNetworks><SubNetwork name="S">
+<Profiles><Profile name="P"><Lane name="A" laneType="bus"/>
+<Lane name="B"/><LaneBorder horizDistToAxis="0"/></Profile></Profiles>
+<Intersections><Intersection name="Cross">
+<MarkClippedData name="North"><RoadSign type="traffic light">
+  <Light name="Red" color="red" illumination="on"/>
+</RoadSign></MarkClippedData>
+</Intersection></Intersections>
+<TrafficLightGroups><TrafficLightGroup name="G" currentCycle="Day">
+  <TrafficLightAnimation cycleName="Day" roadSign="North">
+    <TrafficLightState timeLength="10" illuminations="on"/>
+  </TrafficLightAnimation>
+  <TrafficLightAnimation cycleName="Day" roadSign="Nowhere"/>
+</TrafficLightGroup></TrafficLightGroups>
+</SubNetwork></SubNetworks></Network></Ruvex>)");
+    const CommandRun run = Run("'" + file + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "");
+    std::istringstream lines(run.out);
+    std::vector<std::string> found;
+    for (std::string line; std::getline(lines, line);)
+        found.push_back(line);
+    ASSERT_EQ(found.size(), 4u) << run.out;
+    EXPECT_EQ(found[0].rfind(file + ":2:", 0), 0u) << found[0];
+    EXPECT_NE(found[0].find("priorityLevel"), std::string::npos) << found[0];
+    EXPECT_EQ(found[1].rfind(file + ":3:", 0), 0u) << found[1];
+    EXPECT_NE(found[1].find("has 2 lanes and 1 borders"), std::string::npos) << found[1];
+    EXPECT_NE(found[2].find("unknown lane type \"bus\""), std::string::npos) << found[2];
+    EXPECT_EQ(found[3].rfind(file + ":14:", 0), 0u) << found[3];
+    EXPECT_NE(found[3].find("no sign \"Nowhere\""), std::string::npos) << found[3];
+    EXPECT_EQ(run.out.find("warning:"), std::string::npos);
+
+    const CommandRun json = Run("--json '" + file + "'");
+    EXPECT_EQ(json.status, 1);
+    EXPECT_NE(json.out.find(R"({"line": 14, "column": )"), std::string::npos) << json.out;
+}
+
+TEST_F(ValidateCommand, RailNamesAndUnreadableFiles) {
+    const std::string rail = Write("rail.xml", R"(<Ruvex version="2.5" versionRevision="0">
+<RailNetwork><RailroadTracks>
+<RailroadTrack name="A"><XYCurve><Segment length="10"/></XYCurve><SwitchEnd name="W9"/></RailroadTrack>
+</RailroadTracks></RailNetwork></Ruvex>)");
+    const CommandRun run = Run("'" + rail + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out.rfind(rail + ":3:67: ", 0), 0u) << run.out;
+    EXPECT_NE(run.out.find("names the switch \"W9\""), std::string::npos) << run.out;
+
+    const CommandRun broken = Run("'" + Write("broken.xml", "<Ruvex><Network>\n</Ruvex>") + "'");
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_EQ(broken.out, "");
+    EXPECT_NE(broken.err.find("broken.xml:"), std::string::npos) << broken.err;
+    const CommandRun missing = Run("'" + (dir_ / "absent.xml").string() + "'");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.err, "");
+}
