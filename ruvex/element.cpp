@@ -266,7 +266,8 @@ void Element::LoadChildren(IDOMElement* element, IDOMParser* parser) {
         }
         PreservedNode& kept = c.self->EditPreserved().nodes.emplace_back(CopyNode(node, c.parser, c.taken));
         if (c.tags && !c.overflow) {
-            // A child repeating a taken one's tag goes behind that one, so that a reload takes the same child.
+            // A child repeating a taken one's tag goes behind that one, so that a reload takes the same
+            // child.
             const TagCount* anchor = &c.counts[c.last];
             if (kind == NodeKind::Element)
                 for (size_t i = 0; i < c.tags; ++i)
