@@ -1,5 +1,7 @@
 // `orvia profiles` run as a user would.
 
+#include "command_run.h"
+
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -12,32 +14,10 @@
 
 namespace {
 
-struct CommandRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Slurp(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+using namespace orvia_cli_test;
 
 CommandRun Profiles(const std::string& arguments) {
-    // One folder per test: ctest runs the tests side by side.
-    const std::filesystem::path dir =
-        std::filesystem::temp_directory_path() /
-        ("orvia_profiles_cli_" +
-         std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    std::filesystem::create_directories(dir);
-    const std::string command = std::string("'") + ORVIA_CLI + "' profiles " + arguments + " >'" +
-                                (dir / "out").string() + "' 2>'" + (dir / "err").string() + "'";
-    const int raw = std::system(command.c_str());
-    CommandRun run{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(dir / "out"), Slurp(dir / "err")};
-    std::filesystem::remove_all(dir);
-    return run;
+    return RunOrvia("profiles " + arguments);
 }
 
 }  // namespace

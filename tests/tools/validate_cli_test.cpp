@@ -1,5 +1,7 @@
 // `orvia validate` run as a user would.
 
+#include "command_run.h"
+
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -12,26 +14,13 @@
 
 namespace {
 
-struct CommandRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Slurp(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+using namespace orvia_cli_test;
 
 // One folder per test: ctest runs the tests side by side.
 class ValidateCommand : public ::testing::Test {
 protected:
     void SetUp() override {
-        dir_ = std::filesystem::temp_directory_path() /
-               ("orvia_validate_cli_" +
-                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+        dir_ = ScratchFolder("orvia_validate_cli_");
         std::filesystem::create_directories(dir_);
     }
     void TearDown() override { std::filesystem::remove_all(dir_); }
@@ -40,12 +29,7 @@ protected:
         std::ofstream(dir_ / name) << text;
         return (dir_ / name).string();
     }
-    CommandRun Run(const std::string& arguments) const {
-        const std::string command = std::string("'") + ORVIA_CLI + "' validate " + arguments + " >'" +
-                                    (dir_ / "out").string() + "' 2>'" + (dir_ / "err").string() + "'";
-        const int raw = std::system(command.c_str());
-        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(dir_ / "out"), Slurp(dir_ / "err")};
-    }
+    CommandRun Run(const std::string& arguments) const { return RunOrvia("validate " + arguments); }
 
     std::filesystem::path dir_;
 };
