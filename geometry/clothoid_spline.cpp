@@ -196,6 +196,7 @@ uint64_t ClothoidSpline::Release() {
 bool ClothoidSpline::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
     Ruvex::ClothoidSplineElement::LoadFromXMLElement(element, parser);
+    ClampLoadedPoints(m_Points, "points", element, parser);
     m_controlPoints = m_Points;
     DataChanged();
     return true;

@@ -121,3 +121,23 @@ double ParametricFunction::ClampLoaded(double value, double lo, double hi, const
     }
     return clamped;
 }
+
+void ParametricFunction::ClampLoadedPoints(std::vector<vek::Vector2>& points, const char* attribute,
+                                           Ruvex::IDOMElement* where, Ruvex::IDOMParser* parser) const {
+    size_t changed = 0;
+    auto clamp = [&](double& v) {
+        if (v >= -kMaxLength && v <= kMaxLength) return;
+        v = std::isnan(v) ? 0.0 : (v < 0 ? -kMaxLength : kMaxLength);
+        ++changed;
+    };
+    for (vek::Vector2& p : points) {
+        clamp(p.x);
+        clamp(p.y);
+    }
+    if (!changed || !parser) return;
+    char text[160];
+    std::snprintf(text, sizeof text,
+                  "attribute \"%s\" of <%s>: %zu coordinates outside [%g, %g] brought into it", attribute,
+                  GetElement()->GetTagName().c_str(), changed, -kMaxLength, kMaxLength);
+    parser->ReportWarning(where, text);
+}

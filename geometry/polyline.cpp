@@ -329,6 +329,7 @@ bool PolyLine::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser
     if (!element || !parser) return false;
     // Layouts before 2.3.0 hold the same attributes: the record's table reads them all.
     Ruvex::PolyLineElement::LoadFromXMLElement(element, parser);
+    ClampLoadedPoints(m_Points, "points", element, parser);
     m_controlPoints = m_Points;
     DataChanged();
     return true;

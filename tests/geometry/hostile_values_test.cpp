@@ -95,6 +95,30 @@ TEST(Curve2D, HostileLengthsAndCurvaturesLoadClampedWithAWarning) {
     EXPECT_TRUE(Ruvex::GetLastProblems().empty());
 }
 
+// A control point far beyond any road made the piece's length overflow what a track's profile curves can
+// be sampled at (the fuzzer found NaN positions on a track through such a polyline).
+TEST(Curve2D, FarControlPointsLoadClampedWithAWarning) {
+    axis_test::ScopedOrviaFactory factory;
+    const char* text = R"(<Ruvex version="2.5" versionRevision="0">
+  <XYCurve>
+    <PolyLine type="1" points="0 0 2e21 1 20 0 30 -1"/>
+    <ClothoidSpline threshold="0.5" points="5 0 15 -1e300 30 0 45 -3"/>
+  </XYCurve>
+</Ruvex>)";
+    CountedPtr<Ruvex::Element> root(Ruvex::Load(text, true));
+    auto* curve = dynamic_cast<Curve2D*>(root.Get());
+    ASSERT_TRUE(curve);
+    const auto& problems = Ruvex::GetLastProblems();
+    ASSERT_EQ(problems.size(), 2u);
+    EXPECT_EQ(problems[0].line, 3u);
+    EXPECT_NE(problems[0].message.find("1 coordinates outside"), std::string::npos) << problems[0].message;
+    EXPECT_EQ(problems[1].line, 4u);
+    EXPECT_LE(curve->GetLength(), 8 * ParametricFunction::kMaxLength);
+    ExpectFiniteSamples(*curve);
+    const std::string saved = Ruvex::SaveToString(curve);
+    EXPECT_EQ(saved.find("e+21"), std::string::npos) << saved;
+}
+
 TEST(Curve2D, HostileSettersAreRefused) {
     Segment segment(10);
     for (double bad : {kNaN, -1.0, kInf, 2 * ParametricFunction::kMaxLength}) {

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 #include <orvia/geometry/point_data.h>
 #include <orvia/vek/box.h>
@@ -129,6 +130,10 @@ protected:
     // was outside.
     double ClampLoaded(double value, double lo, double hi, const char* attribute, Ruvex::IDOMElement* where,
                        Ruvex::IDOMParser* parser) const;
+    // Control points with every coordinate brought into [-kMaxLength, kMaxLength] (NaN to 0): a piece through
+    // a point beyond that has a length no query can use. One warning for the attribute.
+    void ClampLoadedPoints(std::vector<vek::Vector2>& points, const char* attribute,
+                           Ruvex::IDOMElement* where, Ruvex::IDOMParser* parser) const;
 
 private:
     bool IsHeadingForcedAt(double s) const {
