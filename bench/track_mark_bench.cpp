@@ -52,7 +52,9 @@ const std::vector<Query>& Queries() {
     return queries;
 }
 
-void BM_TrackGetMark(benchmark::State& state) {
+// Cycles through the first 4,096 queries, spread over many tracks in random order.
+template <class Call>
+void RunQueries(benchmark::State& state, Call&& call) {
     const std::vector<Query>& queries = Queries();
     if (queries.empty()) {
         state.SkipWithError("no track to query");
@@ -60,34 +62,29 @@ void BM_TrackGetMark(benchmark::State& state) {
     }
     const size_t mask = 4095;
     size_t i = 0;
-    vek::Mark mark;
     for (auto _ : state) {
-        const Query& q = queries[i];
-        benchmark::DoNotOptimize(q.track->GetMark(mark, q.s, q.t));
-        benchmark::DoNotOptimize(mark);
+        call(queries[i]);
         i = (i + 1) & mask;
     }
     state.SetItemsProcessed(state.iterations());
 }
+
+void BM_TrackGetMark(benchmark::State& state) {
+    vek::Mark mark;
+    RunQueries(state, [&](const Query& q) {
+        benchmark::DoNotOptimize(q.track->GetMark(mark, q.s, q.t));
+        benchmark::DoNotOptimize(mark);
+    });
+}
 BENCHMARK(BM_TrackGetMark);
 
 void BM_TrackGetWidthAt(benchmark::State& state) {
-    const std::vector<Query>& queries = Queries();
-    if (queries.empty()) {
-        state.SkipWithError("no track to query");
-        return;
-    }
-    const size_t mask = 4095;
-    size_t i = 0;
     double left = 0, right = 0;
-    for (auto _ : state) {
-        const Query& q = queries[i];
+    RunQueries(state, [&](const Query& q) {
         benchmark::DoNotOptimize(q.track->GetWidthAt(q.s, left, right));
         benchmark::DoNotOptimize(left);
         benchmark::DoNotOptimize(right);
-        i = (i + 1) & mask;
-    }
-    state.SetItemsProcessed(state.iterations());
+    });
 }
 BENCHMARK(BM_TrackGetWidthAt);
 

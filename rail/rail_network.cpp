@@ -2,6 +2,8 @@
 
 #include <orvia/rail/rail_network.h>
 
+#include "exact_cast.h"
+
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -10,11 +12,7 @@ namespace Rail {
 
 namespace {
 
-template <class T, class Record>
-T* As(Record* record) {
-    if (!record) return nullptr;
-    return typeid(*record) == typeid(T) ? static_cast<T*>(record) : dynamic_cast<T*>(record);
-}
+using detail::As;
 
 template <class T, class List>
 T* Named(const List& list, std::string_view name) {

@@ -4,6 +4,8 @@
 #include <orvia/geometry/curve2d.h>
 #include <orvia/rail/rail_network.h>
 
+#include "exact_cast.h"
+
 #include <string_view>
 #include <typeinfo>
 #include <utility>
@@ -12,12 +14,7 @@ namespace Rail {
 
 namespace {
 
-// The exact type needs no search of the hierarchy; queries ask for the curves at every call.
-template <class T, class Record>
-T* As(Record* record) {
-    if (!record) return nullptr;
-    return typeid(*record) == typeid(T) ? static_cast<T*>(record) : dynamic_cast<T*>(record);
-}
+using detail::As;
 
 }  // namespace
 
