@@ -52,9 +52,7 @@ const std::vector<Query>& Queries() {
     return queries;
 }
 
-// Cycles through the first 4,096 queries, spread over many tracks in random order.
-template <class Call>
-void RunQueries(benchmark::State& state, Call&& call) {
+void BM_TrackGetMark(benchmark::State& state) {
     const std::vector<Query>& queries = Queries();
     if (queries.empty()) {
         state.SkipWithError("no track to query");
@@ -62,29 +60,34 @@ void RunQueries(benchmark::State& state, Call&& call) {
     }
     const size_t mask = 4095;
     size_t i = 0;
+    vek::Mark mark;
     for (auto _ : state) {
-        call(queries[i]);
+        const Query& q = queries[i];
+        benchmark::DoNotOptimize(q.track->GetMark(mark, q.s, q.t));
+        benchmark::DoNotOptimize(mark);
         i = (i + 1) & mask;
     }
     state.SetItemsProcessed(state.iterations());
 }
-
-void BM_TrackGetMark(benchmark::State& state) {
-    vek::Mark mark;
-    RunQueries(state, [&](const Query& q) {
-        benchmark::DoNotOptimize(q.track->GetMark(mark, q.s, q.t));
-        benchmark::DoNotOptimize(mark);
-    });
-}
 BENCHMARK(BM_TrackGetMark);
 
 void BM_TrackGetWidthAt(benchmark::State& state) {
+    const std::vector<Query>& queries = Queries();
+    if (queries.empty()) {
+        state.SkipWithError("no track to query");
+        return;
+    }
+    const size_t mask = 4095;
+    size_t i = 0;
     double left = 0, right = 0;
-    RunQueries(state, [&](const Query& q) {
+    for (auto _ : state) {
+        const Query& q = queries[i];
         benchmark::DoNotOptimize(q.track->GetWidthAt(q.s, left, right));
         benchmark::DoNotOptimize(left);
         benchmark::DoNotOptimize(right);
-    });
+        i = (i + 1) & mask;
+    }
+    state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_TrackGetWidthAt);
 
