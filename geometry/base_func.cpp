@@ -98,11 +98,16 @@ double BaseFunc::ChordError(double u0, double u1) const {
 
 namespace {
 
+// Stops adding points once out holds kMaxPoints: a hostile range (1e90 wide) would otherwise ask for
+// billions.
 void Subdivide(const BaseFunc& f, double u0, double u1, double tolerance, int depth,
                std::vector<double>& out) {
-    if (depth >= BaseFunc::kMaxSubdivisionDepth || f.ChordError(u0, u1) <= tolerance) return;
+    if (depth >= BaseFunc::kMaxSubdivisionDepth || out.size() >= BaseFunc::kMaxPoints ||
+        f.ChordError(u0, u1) <= tolerance)
+        return;
     const double mid = 0.5 * (u0 + u1);
     Subdivide(f, u0, mid, tolerance, depth + 1, out);
+    if (out.size() >= BaseFunc::kMaxPoints) return;
     out.push_back(mid);
     Subdivide(f, mid, u1, tolerance, depth + 1, out);
 }
@@ -121,10 +126,10 @@ void BaseFunc::LinearApprox(double u0, double u1, double tolerance, double step,
     const double pieces = std::min(std::ceil((u1 - u0) / step), static_cast<double>(kMaxIntervals));
     const int n = std::max(1, static_cast<int>(pieces));
     double a = u0;
-    for (int i = 1; i <= n; ++i) {
+    for (int i = 1; i <= n && out.size() < kMaxPoints; ++i) {
         const double b = i == n ? u1 : u0 + (u1 - u0) * i / n;
         LinearApproxRaw(a, b, tolerance, out);
-        if (i < n) out.push_back(b);
+        if (i < n && out.size() < kMaxPoints) out.push_back(b);
         a = b;
     }
 }

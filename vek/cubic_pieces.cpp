@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 namespace vek {
@@ -41,12 +42,25 @@ double gaussSpeed(const CubicPiece& p, double a, double b) {
     return sum * half;
 }
 
-double adaptiveSpeed(const CubicPiece& p, double a, double b, double whole, double tol, int depth) {
+// Refinement budget of one arcLength call, in halvings: with a tolerance near roundoff every interval could
+// fail the test and the recursion would visit all 2^depth of them.
+constexpr int kMaxQuadratureSplits = 1 << 12;
+
+struct Quadrature {
+    const CubicPiece& piece;
+    double floor;  // no interval is asked for less than this, metres: below it only roundoff is compared
+    int splits = 0;
+};
+
+double adaptiveSpeed(Quadrature& q, double a, double b, double whole, double tol, int depth) {
     const double m = 0.5 * (a + b);
-    const double left = gaussSpeed(p, a, m), right = gaussSpeed(p, m, b);
-    if (depth >= kMaxQuadratureDepth || std::fabs(left + right - whole) <= tol) return left + right;
-    return adaptiveSpeed(p, a, m, left, 0.5 * tol, depth + 1) +
-           adaptiveSpeed(p, m, b, right, 0.5 * tol, depth + 1);
+    const double left = gaussSpeed(q.piece, a, m), right = gaussSpeed(q.piece, m, b);
+    if (depth >= kMaxQuadratureDepth || q.splits >= kMaxQuadratureSplits ||
+        std::fabs(left + right - whole) <= std::max(tol, q.floor))
+        return left + right;
+    ++q.splits;
+    return adaptiveSpeed(q, a, m, left, 0.5 * tol, depth + 1) +
+           adaptiveSpeed(q, m, b, right, 0.5 * tol, depth + 1);
 }
 
 // Signed arc length of piece p from local a to local b.
@@ -54,7 +68,8 @@ double arcLength(const CubicPiece& p, double a, double b) {
     if (a == b) return 0;
     if (b < a) return -arcLength(p, b, a);
     const double whole = gaussSpeed(p, a, b);
-    return adaptiveSpeed(p, a, b, whole, std::max(kQuadratureRelTolerance * whole, kQuadratureAbsTolerance),
+    Quadrature q{p, 64 * std::numeric_limits<double>::epsilon() * std::fabs(whole)};
+    return adaptiveSpeed(q, a, b, whole, std::max(kQuadratureRelTolerance * whole, kQuadratureAbsTolerance),
                          0);
 }
 

@@ -71,6 +71,12 @@ TEST(BaseFunc, CurveLengthAndChordApproximation) {
     const double step = cuts[1] - cuts[0];
     EXPECT_LE(f.ChordError(-20, -20 + step), 0.01);
     EXPECT_NEAR(cuts[0] + 20, step, 1e-9);
+
+    // A range no file means, with a bend that wants points everywhere: the answer stays bounded.
+    BaseFunc wild(0, 0, 1e-3, 1e-6);
+    wild.LinearApprox(-7e92, 7e92, 0.01, 1.0, cuts);
+    EXPECT_LE(cuts.size(), BaseFunc::kMaxPoints);
+    EXPECT_FALSE(cuts.empty());
 }
 
 TEST(BaseFunc, RootsExtremaAndImage) {

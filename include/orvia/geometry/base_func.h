@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <vector>
 
 class BaseFunc {
@@ -69,6 +70,8 @@ public:
     // Bound on the intervals of UniformLinearApprox and on the depth of the adaptive subdivision.
     static constexpr int kMaxIntervals = 1 << 20;
     static constexpr int kMaxSubdivisionDepth = 40;
+    // Bound on the points LinearApprox returns, whatever the range and tolerance.
+    static constexpr std::size_t kMaxPoints = 1 << 21;
 
 private:
     std::array<double, 4> m_c{};
