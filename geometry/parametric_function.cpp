@@ -40,10 +40,9 @@ double ParametricFunction::GetStartOrientation() const {
 
 void ParametricFunction::SetStartOrientation(double orientation) {
     if (!std::isfinite(orientation)) return;
-    double turns = std::trunc(orientation / vek::kTwoPi);
-    if (orientation < 0) turns -= 1;
-    double normalized = orientation - turns * vek::kTwoPi;
-    if (normalized > vek::kPi) normalized -= vek::kTwoPi;
+    // remainder is exact, so a far-off angle (1e18 rad) lands in range and an angle in range stays untouched.
+    double normalized = std::remainder(orientation, vek::kTwoPi);
+    if (normalized <= -vek::kPi) normalized += vek::kTwoPi;
     if (normalized == m_startOrientation) return;
     m_startOrientation = normalized;
     DataChanged();

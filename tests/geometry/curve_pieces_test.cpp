@@ -70,6 +70,9 @@ TEST(ParametricFunction, StartOrientationNormalisation) {
                  {-kPi, kPi, 0},
                  {kPi, kPi, 0},
                  {-2 * kPi, 0, 1e-15},
+                 {-1, -1, 0},  // already in range: untouched, not shifted by a turn and back
+                 // Far off: reduced exactly, so what is saved reloads to the same angle.
+                 {999999999933974483.0, std::remainder(999999999933974483.0, 2 * kPi), 0},
                  {7 * kPi + 0.25, -kPi + 0.25, 1e-13}};
     Segment s(1);
     for (const auto& [set, expected, tolerance] : cases) {
