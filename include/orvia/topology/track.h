@@ -225,10 +225,6 @@ protected:
     bool LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) override;
 
 private:
-    // Link an end without touching the nodes' banned links.
-    void LinkStart(Intersection* intersection);
-    void LinkEnd(Intersection* intersection);
-
     void RefreshPortionView();
     // The curve of the record when it has a piece, else the default (null before validation).
     CartesianCurve* Longitudinal(const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
