@@ -7,12 +7,11 @@
 #include <orvia/geometry/polynomial_function.h>
 #include <orvia/geometry/profile.h>
 #include <orvia/topology/intersection.h>
+#include <orvia/topology/lane_key.h>
 #include <orvia/topology/portion.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 #include <orvia/vek/transform2d.h>
-
-#include "lane_candidates.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,8 +20,6 @@
 namespace Orvia {
 
 namespace {
-
-using Records = std::pair<LaneOnIntersectionData, LaneOnIntersectionData>;
 
 // How the way runs against the source track at a lane end: +1 along it, -1 against it. The from-lane is
 // left in the track's direction at its end; the to-lane is entered in the track's direction at its start.
@@ -102,9 +99,9 @@ void IntersectionLinksManager::GetExplicitLinks(Intersection* intersection, std:
 
 void IntersectionLinksManager::Enter(Link* link, LinkTrajectory* trajectory,
                                      const LaneOnIntersectionData& from, const LaneOnIntersectionData& to) {
-    ToLaneMap& targets = m_map[from.GetKey()];
+    ToLaneMap& targets = m_map[GetLaneKey(from)];
     // Of two explicit pairs with the same ends, the first is kept.
-    targets.try_emplace(to.GetKey(), Entry{link, trajectory, to});
+    targets.try_emplace(GetLaneKey(to), Entry{link, trajectory, to});
 }
 
 void IntersectionLinksManager::FillMapWithExplicits(Intersection* intersection) {
@@ -120,7 +117,7 @@ void IntersectionLinksManager::FillMapWithExplicits(Intersection* intersection) 
             if (!pair) continue;
             const auto* runtime = dynamic_cast<const LanePair*>(pair);
             LaneOnIntersectionData from, to;
-            LanePair::ReadRecords(*pair, runtime ? runtime->GetInSubNetwork() : subNetwork, from, to);
+            ReadLanePairRecords(*pair, runtime ? runtime->GetInSubNetwork() : subNetwork, from, to);
             if (m_trajectoryFlag && !link->getLinkTrajectory(i))
                 link->setLinkTrajectory(i, BuildExplicitTrajectory(intersection, from, to));
             Enter(link, link->getLinkTrajectory(i), from, to);
@@ -137,7 +134,7 @@ void IntersectionLinksManager::FillMapWithImplicits(Intersection* intersection) 
         const Ruvex::LanePairElement* pair = link->getLanePair(0);
         if (!pair) continue;
         LaneOnIntersectionData from, to;
-        LanePair::ReadRecords(*pair, link->GetInSubNetwork(), from, to);
+        ReadLanePairRecords(*pair, link->GetInSubNetwork(), from, to);
         Enter(link.Get(), link->getLinkTrajectory(0), from, to);
     }
 }
@@ -147,16 +144,16 @@ void IntersectionLinksManager::GetImplicitLinks(Intersection* intersection,
     if (!intersection) return;
     SubNetwork* subNetwork = intersection->GetInSubNetwork();
     Network* network = subNetwork ? subNetwork->GetNetwork() : nullptr;
-    std::vector<Records> pairs;
-    LaneCandidates::GetNonlinkedLanesPairs(intersection, pairs);
+    std::vector<LaneConnection> pairs;
+    intersection->GetNonlinkedLanesPairs(pairs);
     const std::string counter = std::to_string(m_links.size());
     m_profiles.clear();
     for (const auto& [from, to] : pairs) {
         if (from.trackName == to.trackName && from.atTrackEnd == to.atTrackEnd &&
             from.subNetworkIndex == to.subNetworkIndex)
             continue;
-        if (!LaneCandidates::AreCompatibleLanes(intersection, from, to)) continue;
-        if (LaneCandidates::IsBannedLink(intersection, from, to)) continue;
+        if (!intersection->AreCompatibleLanes(from, to)) continue;
+        if (intersection->IsBannedLink(from, to)) continue;
         const Lane* fromLane = from.GetLane(network);
         const Lane* toLane = to.GetLane(network);
         if (!fromLane || !toLane || !fromLane->IsSuitableForVehicleType() ||
@@ -185,7 +182,7 @@ Link* IntersectionLinksManager::GetLink(const LaneOnIntersectionData* from,
     if (!from || !to) return nullptr;
     const ToLaneMap* targets = GetLinksFrom(*from);
     if (!targets) return nullptr;
-    const auto it = targets->find(to->GetKey());
+    const auto it = targets->find(GetLaneKey(*to));
     return it == targets->end() ? nullptr : it->second.link;
 }
 
@@ -194,17 +191,17 @@ LinkTrajectory* IntersectionLinksManager::GetLinkTrajectory(const LaneOnIntersec
     if (!from || !to) return nullptr;
     const ToLaneMap* targets = GetLinksFrom(*from);
     if (!targets) return nullptr;
-    const auto it = targets->find(to->GetKey());
+    const auto it = targets->find(GetLaneKey(*to));
     return it == targets->end() ? nullptr : it->second.trajectory;
 }
 
 const IntersectionLinksManager::ToLaneMap* IntersectionLinksManager::GetLinksFrom(
     const LaneOnIntersectionData& from) const {
     char buffer[kKeyBuffer];
-    std::string_view key = from.WriteKey(buffer, sizeof buffer);
+    std::string_view key = WriteLaneKey(from, buffer, sizeof buffer);
     std::string longKey;
     if (key.empty()) {
-        longKey = from.GetKey();
+        longKey = GetLaneKey(from);
         key = longKey;
     }
     const auto it = m_map.find(key);
@@ -305,7 +302,7 @@ PolyLineCommonData* IntersectionLinksManager::BuildXYTrajectoryBetweenLanes(
 
     vek::Vector2 meeting;
     const double det = a.direction.cross(b.direction);
-    bool meet = std::fabs(det) > 1e-12;
+    bool meet = std::fabs(det) > kParallelSine;
     if (meet) {
         meeting = a.point + (chordVector.cross(b.direction) / det) * a.direction;
         meet = Finite(meeting);
@@ -371,7 +368,7 @@ Profile* IntersectionLinksManager::insertProfile(Portion* portion, const LaneOnI
     std::string name = "Profile_" + laneData.laneName + "_" + laneData.trackName;
     // One profile per lane end and role; the end of a way takes the marking of its start, so the key of an
     // end profile also names that marking.
-    std::string key = laneData.GetKey();
+    std::string key = GetLaneKey(laneData);
     key += atStart ? "#in" : "#out#" + std::to_string(reinterpret_cast<uintptr_t>(leftMarking));
     auto found = m_profiles.find(key);
     if (found != m_profiles.end()) return found->second;

@@ -94,7 +94,7 @@ Track* SubNetwork::CreateTrackInJunction(const std::string& requested) {
     return track.Get();
 }
 
-Track* SubNetwork::GetJunctionTrack(size_t index) const {
+Track* SubNetwork::GetDerivedJunctionTrack(size_t index) const {
     return index < m_junctionTracks.size() ? m_junctionTracks[index].Get() : nullptr;
 }
 

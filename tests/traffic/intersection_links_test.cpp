@@ -3,6 +3,7 @@
 #include <orvia/ruvex/factory.h>
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/intersection_links.h>
+#include <orvia/topology/lane_key.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 
@@ -87,7 +88,7 @@ Pairs Derive(Network& network, IntersectionLinksManager& manager, bool implicitO
 }
 
 std::string Key(const std::string& track, bool atEnd, const std::string& lane) {
-    return LaneOnIntersectionData{track, atEnd, lane, 0}.GetKey();
+    return Orvia::GetLaneKey(LaneOnIntersectionData{track, atEnd, lane, 0});
 }
 
 // The way of every trajectory starts and ends on the centres of its lanes, along their directions of travel.

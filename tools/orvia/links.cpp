@@ -4,6 +4,7 @@
 #include <orvia/ruvex/factory.h>
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/intersection_links.h>
+#include <orvia/topology/lane_key.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 
@@ -102,7 +103,7 @@ int RunLinks(const LinksOptions& options) {
                 const Ruvex::LanePairElement* pair = link->getLanePair(k);
                 if (!pair) continue;
                 Row row{link, {}, {}, link->getLinkTrajectory(k)};
-                Orvia::LanePair::ReadRecords(*pair, link->GetInSubNetwork(), row.from, row.to);
+                Orvia::ReadLanePairRecords(*pair, link->GetInSubNetwork(), row.from, row.to);
                 rows.push_back(row);
             }
         }
@@ -114,8 +115,8 @@ int RunLinks(const LinksOptions& options) {
     for (const auto& pair : intersection->GetBannedLinks()) {
         if (!pair) continue;
         banned.emplace_back();
-        Orvia::LanePair::ReadRecords(*pair, intersection->GetInSubNetwork(), banned.back().first,
-                                     banned.back().second);
+        Orvia::ReadLanePairRecords(*pair, intersection->GetInSubNetwork(), banned.back().first,
+                                   banned.back().second);
     }
 
     if (options.json) {

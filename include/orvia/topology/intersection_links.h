@@ -5,7 +5,7 @@
 // lane pair an implicit link is derived with a way laid between the two lanes. Derived links and their ways
 // live in the sub-network's junction space and are never saved.
 
-#include <orvia/topology/lane_pair.h>
+#include <orvia/topology/intersection.h>
 #include <orvia/topology/link.h>
 
 #include <cstddef>
@@ -32,7 +32,8 @@ public:
     // Lanes count as aligned when their directions turn by less than this (degrees) through the meeting
     // point of their lines.
     static constexpr double kAlignedAngleDeg = 15.0;
-    // The meeting point must lie farther than this share of the reference length from both lane ends.
+    // The meeting point must lie farther than this share of the reference length (the chord between the two
+    // lane ends) from both lane ends.
     static constexpr double kMinCornerShare = 0.25;
     // Inner points of a corner way, as a share of the way from each lane end to the meeting point.
     static constexpr double kCornerHandleShare = 0.75;
@@ -40,6 +41,9 @@ public:
     static constexpr double kDegeneratedHandleDivisor = 2.0;
     // A dot product below this (m^2) does not put the meeting point ahead of (behind) a lane end.
     static constexpr double kAheadTolerance = 1e-9;
+    // Lane directions whose cross product (the sine of the angle between them) is below this are parallel:
+    // their lines do not meet.
+    static constexpr double kParallelSine = 1e-12;
     // Lane ends closer than this (m) leave nothing to drive through: no way is laid.
     static constexpr double kMinChord = 1e-6;
 
@@ -91,7 +95,11 @@ public:
 
 private:
     // Lays the way of from -> to on newTrack (geometry, elevation, banking, cross-section); false when the
-    // lanes cannot be found or their ends give no finite geometry.
+    // lanes cannot be found or their ends give no finite geometry. Elevation and banking are cubics from the
+    // height of each lane centre (as the track's mark gives it) and the banking there, with the slopes of
+    // the source tracks taken along the way: negated where the way runs against its source track (a from-lane
+    // at a track start, a to-lane at a track end), where the banking value is negated too (left and right
+    // swap) while its rate along the way keeps its sign.
     bool BuildTrack(Track* newTrack, Intersection* intersection, Track* fromTrack, Track* toTrack,
                     const LaneOnIntersectionData& from, const LaneOnIntersectionData& to, bool& degenerated);
     // The plan view: a cubic Bezier piece from the from-lane's centre to the to-lane's centre, tangent to

@@ -3,7 +3,7 @@
 // Links: the lane pairs of an intersection that share one drivable way, and the way each pair follows.
 
 #include <orvia/ruvex/elements/traffic.h>
-#include <orvia/topology/lane_pair.h>
+#include <orvia/topology/intersection.h>
 #include <orvia/topology/track.h>
 
 #include <cstddef>
