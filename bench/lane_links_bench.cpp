@@ -113,8 +113,7 @@ void BM_LinksLeavingALaneEnd(benchmark::State& state) {
     bench::RunAgainstFloor(state, [&](int i) {
         const Question& q = questions[i];
         // The answer: each link leaving the lane end with its target lane end and its way.
-        const auto* targets = q.manager->GetLinksFrom(q.from);
-        for (const auto& [key, entry] : *targets) {
+        for (const auto& entry : q.manager->GetFollowing(q.from)) {
             benchmark::DoNotOptimize(&entry.to);
             benchmark::DoNotOptimize(entry.trajectory->GetAxis());
         }

@@ -123,6 +123,7 @@ void IntersectionLinksManager::FillMapWithExplicits(Intersection* intersection) 
             Enter(link, link->getLinkTrajectory(i), from, to);
         }
     }
+    RebuildFollowing();
 }
 
 void IntersectionLinksManager::FillMapWithImplicits(Intersection* intersection) {
@@ -137,6 +138,7 @@ void IntersectionLinksManager::FillMapWithImplicits(Intersection* intersection) 
         ReadLanePairRecords(*pair, link->GetInSubNetwork(), from, to);
         Enter(link.Get(), link->getLinkTrajectory(0), from, to);
     }
+    RebuildFollowing();
 }
 
 void IntersectionLinksManager::GetImplicitLinks(Intersection* intersection,
@@ -146,21 +148,39 @@ void IntersectionLinksManager::GetImplicitLinks(Intersection* intersection,
     Network* network = subNetwork ? subNetwork->GetNetwork() : nullptr;
     std::vector<LaneConnection> pairs;
     intersection->GetNonlinkedLanesPairs(pairs);
-    const std::string counter = std::to_string(m_links.size());
-    m_profiles.clear();
-    for (const auto& [from, to] : pairs) {
+    // Every name lookup comes first: naming the new links and tracks makes the name indices stale.
+    struct Candidate {
+        const LaneConnection* pair;
+        Track* fromTrack;
+        Track* toTrack;
+        const Lane* fromLane;
+        const Lane* toLane;
+    };
+    std::vector<Candidate> candidates;
+    for (const LaneConnection& pair : pairs) {
+        const auto& [from, to] = pair;
         if (from.trackName == to.trackName && from.atTrackEnd == to.atTrackEnd &&
             from.subNetworkIndex == to.subNetworkIndex)
             continue;
-        if (!intersection->AreCompatibleLanes(from, to)) continue;
-        if (intersection->IsBannedLink(from, to)) continue;
+        // The lane-type test is the cheapest, and the tests do not depend on one another: it goes first.
         const Lane* fromLane = from.GetLane(network);
         const Lane* toLane = to.GetLane(network);
         if (!fromLane || !toLane || !fromLane->IsSuitableForVehicleType() ||
             !toLane->IsSuitableForVehicleType())
             continue;
-        Track* fromTrack = subNetwork->GetTrackByName(from.trackName);
-        Track* toTrack = subNetwork->GetTrackByName(to.trackName);
+        if (!intersection->AreCompatibleLanes(from, to)) continue;
+        if (intersection->IsBannedLink(from, to)) continue;
+        candidates.push_back({&pair, subNetwork->GetTrackByName(from.trackName),
+                              subNetwork->GetTrackByName(to.trackName), fromLane, toLane});
+    }
+    const std::string counter = std::to_string(m_links.size());
+    m_profiles.clear();
+    for (const Candidate& candidate : candidates) {
+        const auto& [from, to] = *candidate.pair;
+        Track* fromTrack = candidate.fromTrack;
+        Track* toTrack = candidate.toTrack;
+        m_fromLane = candidate.fromLane;
+        m_toLane = candidate.toLane;
         const std::string pairText = PairText(from, to);
 
         Ruvex::CountedPtr<Link> link(new Link(false));
@@ -211,6 +231,65 @@ const IntersectionLinksManager::ToLaneMap* IntersectionLinksManager::GetLinksFro
 void IntersectionLinksManager::Clear() {
     m_links.clear();
     m_map.clear();
+    RebuildFollowing();
+}
+
+uint64_t IntersectionLinksManager::HashLaneEnd(const LaneOnIntersectionData& lane) {
+    // FNV-1a over the fields.
+    uint64_t hash = 14695981039346656037ull;
+    auto add = [&hash](const void* data, size_t size) {
+        const auto* bytes = static_cast<const unsigned char*>(data);
+        for (size_t i = 0; i < size; ++i)
+            hash = (hash ^ bytes[i]) * 1099511628211ull;
+    };
+    add(&lane.subNetworkIndex, sizeof lane.subNetworkIndex);
+    add(lane.trackName.data(), lane.trackName.size());
+    const unsigned char end = lane.atTrackEnd ? 1 : 2;
+    add(&end, 1);
+    add(lane.laneName.data(), lane.laneName.size());
+    return hash;
+}
+
+void IntersectionLinksManager::RebuildFollowing() {
+    m_fromLanes.clear();
+    m_fromRecords.clear();
+    m_following.clear();
+    for (const auto& [key, targets] : m_map) {
+        if (targets.empty()) continue;
+        const Entry& any = targets.begin()->second;
+        // The from-lane end as the entries were made from it.
+        LaneOnIntersectionData from;
+        if (any.trajectory) {
+            from = any.trajectory->GetFrom();
+        } else {
+            bool found = false;
+            for (size_t k = 0; any.link && k < any.link->getLanePairCount() && !found; ++k) {
+                const Ruvex::LanePairElement* pair = any.link->getLanePair(k);
+                LaneOnIntersectionData to;
+                if (pair) ReadLanePairRecords(*pair, any.link->GetInSubNetwork(), from, to);
+                found = pair && GetLaneKey(from) == key;
+            }
+            if (!found) continue;
+        }
+        m_fromLanes.push_back({HashLaneEnd(from), static_cast<uint32_t>(m_fromRecords.size()),
+                               static_cast<uint32_t>(m_following.size()),
+                               static_cast<uint32_t>(targets.size())});
+        m_fromRecords.push_back(std::move(from));
+        for (const auto& [toKey, entry] : targets)
+            m_following.push_back(entry);
+    }
+    std::sort(m_fromLanes.begin(), m_fromLanes.end(),
+              [](const FromLane& a, const FromLane& b) { return a.hash < b.hash; });
+}
+
+std::span<const IntersectionLinksManager::Entry> IntersectionLinksManager::GetFollowing(
+    const LaneOnIntersectionData& from) const {
+    const uint64_t hash = HashLaneEnd(from);
+    auto it = std::lower_bound(m_fromLanes.begin(), m_fromLanes.end(), hash,
+                               [](const FromLane& lane, uint64_t h) { return lane.hash < h; });
+    for (; it != m_fromLanes.end() && it->hash == hash; ++it)
+        if (m_fromRecords[it->record] == from) return {m_following.data() + it->first, it->count};
+    return {};
 }
 
 LinkTrajectory* IntersectionLinksManager::BuildExplicitTrajectory(Intersection* intersection,
@@ -220,7 +299,10 @@ LinkTrajectory* IntersectionLinksManager::BuildExplicitTrajectory(Intersection* 
     if (!subNetwork) return nullptr;
     Track* fromTrack = subNetwork->GetTrackByName(from.trackName);
     Track* toTrack = subNetwork->GetTrackByName(to.trackName);
-    if (!fromTrack || !toTrack) return new LinkTrajectory(from, to, nullptr, true);
+    m_fromLane = from.GetLane(intersection->GetNetwork());
+    m_toLane = to.GetLane(intersection->GetNetwork());
+    if (!fromTrack || !toTrack || !m_fromLane || !m_toLane)
+        return new LinkTrajectory(from, to, nullptr, true);
     Track* way = subNetwork->CreateTrackInJunction("explicit track " + PairText(from, to));
     bool degenerated = true;
     const bool built = BuildTrack(way, intersection, fromTrack, toTrack, from, to, degenerated);
@@ -249,8 +331,8 @@ bool IntersectionLinksManager::BuildTrack(Track* newTrack, Intersection* interse
     // Elevation and banking: cubics joining both lane ends with their values and slopes along the way. The
     // banking is signed by side, so a lane end run against its track reads it negated (its rate of change
     // along the way keeps its sign).
-    const Lane* fromLane = from.GetLane(intersection->GetNetwork());
-    const Lane* toLane = to.GetLane(intersection->GetNetwork());
+    const Lane* fromLane = m_fromLane;
+    const Lane* toLane = m_toLane;
     const double fromSign = WaySign(from, true);
     const double toSign = WaySign(to, false);
     vek::Mark fromMark, toMark;
@@ -276,18 +358,19 @@ bool IntersectionLinksManager::BuildTrack(Track* newTrack, Intersection* interse
     newTrack->SetBankingCurve(banking);
 
     BuildPortionsAndProfilesToTrack(newTrack, from, to, intersection->GetInSubNetwork());
-    newTrack->UpdatePortion();
+    // The axis is all a way's queries need; its box is built on the first query that asks for it (sampling
+    // the curve for it would cost more than laying the way).
     newTrack->Invalidate();
-    return newTrack->Validate();
+    return newTrack->ValidateAxis();
 }
 
 PolyLineCommonData* IntersectionLinksManager::BuildXYTrajectoryBetweenLanes(
     Intersection* intersection, Track* fromTrack, Track* toTrack, const LaneOnIntersectionData& from,
     const LaneOnIntersectionData& to, double& fromAbscissa, double& toAbscissa, bool& degenerated) {
     degenerated = true;
-    Network* network = intersection ? intersection->GetNetwork() : nullptr;
-    const Lane* fromLane = from.GetLane(network);
-    const Lane* toLane = to.GetLane(network);
+    (void)intersection;
+    const Lane* fromLane = m_fromLane;
+    const Lane* toLane = m_toLane;
     LaneEndGeometry a, b;
     if (!fromLane || !toLane || !fromTrack || !toTrack ||
         !ReadLaneEnd(*fromTrack, *fromLane, from, true, a) || !ReadLaneEnd(*toTrack, *toLane, to, false, b))
@@ -362,8 +445,7 @@ void IntersectionLinksManager::BuildPortionsAndProfilesToTrack(Track* track,
 Profile* IntersectionLinksManager::insertProfile(Portion* portion, const LaneOnIntersectionData& laneData,
                                                  bool atStart, SubNetwork* subNetwork, Marking* leftMarking) {
     (void)portion;
-    Network* network = subNetwork ? subNetwork->GetNetwork() : nullptr;
-    const Lane* source = laneData.GetLane(network);
+    const Lane* source = atStart ? m_fromLane : m_toLane;
     if (!source || !subNetwork) return nullptr;
     std::string name = "Profile_" + laneData.laneName + "_" + laneData.trackName;
     // One profile per lane end and role; the end of a way takes the marking of its start, so the key of an

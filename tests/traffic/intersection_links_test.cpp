@@ -101,6 +101,11 @@ void ExpectWaysMeetLanes(Network& network, const IntersectionLinksManager& manag
             const Orvia::Axis& way = *entry.trajectory->GetAxis();
             const double length = entry.trajectory->GetLength();
             ASSERT_GT(length, 0);
+            // One lane as wide as the source lanes (3.5 m), centred on the way.
+            double left = 0, right = 0;
+            ASSERT_TRUE(entry.trajectory->GetWay()->GetWidthAt(0.5 * length, left, right));
+            EXPECT_NEAR(left, -1.75, 1e-12);
+            EXPECT_NEAR(right, 1.75, 1e-12);
             for (const bool isFrom : {true, false}) {
                 const LaneOnIntersectionData& lane =
                     isFrom ? entry.trajectory->GetFrom() : entry.trajectory->GetTo();
@@ -162,6 +167,12 @@ TEST(IntersectionLinksManager, CrossGivesEveryTurnButUTurns) {
     ASSERT_TRUE(following);
     EXPECT_EQ(following->size(), 3u);
     EXPECT_FALSE(manager.GetLinksFrom(east));
+    const auto flat = manager.GetFollowing(west);
+    ASSERT_EQ(flat.size(), 3u);
+    for (const auto& entry : flat)
+        EXPECT_EQ(following->at(Orvia::GetLaneKey(entry.to)).link, entry.link);
+    EXPECT_TRUE(manager.GetFollowing(east).empty());
+    EXPECT_TRUE(manager.GetFollowing(LaneOnIntersectionData{"W", true, "R", 1}).empty());
     EXPECT_FALSE(manager.GetLink(&west, nullptr));
 
     // A second manager without Clear appends the same links again under the count of the first set.

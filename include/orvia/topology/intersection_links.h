@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -86,6 +87,9 @@ public:
     // Every connection that leaves `from`, ordered by to-lane key; null when none does. No allocation for
     // keys up to kKeyBuffer characters.
     const ToLaneMap* GetLinksFrom(const LaneOnIntersectionData& from) const;
+    // The same connections, for a host that asks often: contiguous, found by a hash of the lane end and
+    // checked against it. Empty when none leaves `from`. No allocation.
+    std::span<const Entry> GetFollowing(const LaneOnIntersectionData& from) const;
     // All from-lane keys with their connections.
     const std::map<std::string, ToLaneMap, std::less<>>& GetMap() const { return m_map; }
 
@@ -121,9 +125,26 @@ private:
     void Enter(Link* link, LinkTrajectory* trajectory, const LaneOnIntersectionData& from,
                const LaneOnIntersectionData& to);
 
+    // Rebuilds the flat copy of the map that GetFollowing reads.
+    void RebuildFollowing();
+    static uint64_t HashLaneEnd(const LaneOnIntersectionData& lane);
+
+    struct FromLane {
+        uint64_t hash;
+        uint32_t record;  // in m_fromRecords
+        uint32_t first;   // in m_following
+        uint32_t count;
+    };
+
     std::vector<Ruvex::CountedPtr<Link>> m_links;
+    std::vector<FromLane> m_fromLanes;  // by hash
+    std::vector<LaneOnIntersectionData> m_fromRecords;
+    std::vector<Entry> m_following;
     std::map<std::string, ToLaneMap, std::less<>> m_map;
     bool m_trajectoryFlag = false;
+    // The lanes of the pair whose way is being laid, found before the new objects are named.
+    const Lane* m_fromLane = nullptr;
+    const Lane* m_toLane = nullptr;
     // Profiles made for the ways of one fill (owned by the junction space), by lane end: every way from or
     // to one lane end shares them.
     std::map<std::string, Profile*, std::less<>> m_profiles;
