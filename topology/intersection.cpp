@@ -1,5 +1,6 @@
 #include <orvia/topology/intersection.h>
 
+#include <orvia/core/element_copy.h>
 #include <orvia/core/legacy_converter.h>
 #include <orvia/core/network.h>
 #include <orvia/geometry/profile.h>
@@ -8,6 +9,7 @@
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace Orvia {
@@ -81,6 +83,13 @@ void LanePair::SetToTrackEnd(bool atEnd) {
     m_ToTrackBoundInfo = Word(atEnd);
 }
 
+bool LanePair::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    if (!element || !parser) return false;
+    m_line = element->GetLine();
+    m_column = element->GetColumn();
+    return LanePairElement::LoadFromXMLElement(element, parser);
+}
+
 void LanePair::CopyFrom(const LanePair* other) {
     if (!other) return;
     m_FromTrack = other->m_FromTrack;
@@ -104,10 +113,7 @@ Intersection::~Intersection() = default;
 
 void Intersection::GetTracksArroundConnector(std::vector<TrackExtremity>& out, bool sorted) const {
     out.clear();
-    BuildTrackArrayAroundIntersection(out);
-    if (!sorted) return;
-    std::vector<double> angles;
-    SortTracks(out, angles);
+    if (m_subNetwork) m_subNetwork->GetTracksArroundIntersection(this, out, sorted);
 }
 
 void Intersection::SetMaterial(const vek::Material& material) {
@@ -292,6 +298,49 @@ void Intersection::UpdateBannedTrackSelfLinks(Track* track, bool atEnd, bool rem
     }
 }
 
+void Intersection::GetRemovedLinksFromTrackRemoval(const Track* track,
+                                                   std::vector<LaneConnection>& out) const {
+    out.clear();
+    if (!track) return;
+    const uint64_t subNetworkIndex = IndexOf(m_subNetwork);
+    for (const auto& pair : m_BannedLinks) {
+        if (!pair || (pair->GetFromTrack() != track->GetName() && pair->GetToTrack() != track->GetName()))
+            continue;
+        out.emplace_back(
+            LaneOnIntersectionData(pair->GetFromTrack(), pair->GetFromTrackBoundInfo() == kEndWord,
+                                   pair->GetFromLane(), subNetworkIndex),
+            LaneOnIntersectionData(pair->GetToTrack(), pair->GetToTrackBoundInfo() == kEndWord,
+                                   pair->GetToLane(), subNetworkIndex));
+    }
+}
+
+void Intersection::RemoveLinks(const std::vector<LaneConnection>& pairs) {
+    for (const auto& [from, to] : pairs)
+        AllowLink(from, to);
+}
+
+Lane* Intersection::FindLane(size_t trackIndex, size_t laneIndex) const {
+    std::vector<TrackExtremity> extremities;
+    BuildTrackArrayAroundIntersection(extremities);
+    const Profile* profile = trackIndex < extremities.size() ? extremities[trackIndex].GetProfile() : nullptr;
+    return profile ? profile->GetLane(laneIndex) : nullptr;
+}
+
+bool Intersection::FindTrackAndLaneIndex(const Lane* lane, size_t& trackIndex, size_t& laneIndex) const {
+    if (!lane) return false;
+    std::vector<TrackExtremity> extremities;
+    BuildTrackArrayAroundIntersection(extremities);
+    for (size_t i = 0; i < extremities.size(); ++i) {
+        const Profile* profile = extremities[i].GetProfile();
+        const size_t index = profile ? profile->GetLaneIndex(lane) : Profile::npos;
+        if (index == Profile::npos) continue;
+        trackIndex = i;
+        laneIndex = index;
+        return true;
+    }
+    return false;
+}
+
 Link* Intersection::createLink() {
     auto* link = new Link;
     m_Links.push_back(Ruvex::CountedPtr<Ruvex::LinkElement>(link));
@@ -305,6 +354,43 @@ Link* Intersection::getLink(size_t index) const {
 MarkClippedData* Intersection::GetClippedData(size_t index) const {
     return index < m_ClippedData.size() ? dynamic_cast<MarkClippedData*>(m_ClippedData[index].Get())
                                         : nullptr;
+}
+
+void Intersection::AddClippedData(MarkClippedData* data) {
+    if (data) m_ClippedData.push_back(Ruvex::CountedPtr<Ruvex::MarkClippedDataElement>(data));
+}
+
+bool Intersection::RemoveClippedData(size_t first, size_t count) {
+    if (first >= m_ClippedData.size()) return false;
+    const size_t last = first + std::min(count, m_ClippedData.size() - first);
+    m_ClippedData.erase(m_ClippedData.begin() + static_cast<std::ptrdiff_t>(first),
+                        m_ClippedData.begin() + static_cast<std::ptrdiff_t>(last));
+    return true;
+}
+
+size_t Intersection::GetClippedDataIndex(const MarkClippedData* data) const {
+    for (size_t i = 0; i < m_ClippedData.size(); ++i)
+        if (data && m_ClippedData[i].Get() == static_cast<const Ruvex::MarkClippedDataElement*>(data))
+            return i;
+    return npos;
+}
+
+Intersection* Intersection::Clone() const {
+    auto* copy = new Intersection;
+    copy->CopyFrom(this);
+    return copy;
+}
+
+void Intersection::CopyFrom(const Intersection* other) {
+    if (!other || other == this) return;
+    m_ContourPieces.clear();
+    m_BannedLinks.clear();
+    m_Links.clear();
+    m_ClippedData.clear();
+    CopyElementContent(*other, *this);
+    // The copied pairs are ours.
+    SetInSubNetwork(m_subNetwork);
+    Invalidate();
 }
 
 void Intersection::SetName(const std::string& name) {
@@ -334,9 +420,87 @@ void Intersection::ReplaceTrackName(const std::string& oldName, const std::strin
     }
 }
 
+std::vector<IntersectionProblem> Intersection::CheckReferences() const {
+    std::vector<IntersectionProblem> problems;
+    if (!m_subNetwork) return problems;
+    const std::string who = "intersection \"" + m_name + "\": ";
+    const auto add = [&](std::string message, const Ruvex::Element* at) {
+        const auto* pair = dynamic_cast<const LanePair*>(at);
+        const bool placed = pair && pair->GetSourceLine() != 0;
+        problems.push_back({who + message, placed ? pair->GetSourceLine() : m_line,
+                            placed ? pair->GetSourceColumn() : m_column});
+    };
+    const auto side = [&](const std::string& what, const Ruvex::LanePairElement& pair,
+                          const std::string& trackName, const std::string& word,
+                          const std::string& laneName) {
+        Track* track = m_subNetwork->GetTrackByName(trackName);
+        if (!track)
+            return add(what + " names the track \"" + trackName + "\", which the sub-network does not have",
+                       &pair);
+        const bool atEnd = word == kEndWord;
+        const std::string& node = atEnd ? track->GetEndIntersectionName() : track->GetStartIntersectionName();
+        const std::string extremity =
+            std::string(atEnd ? "end" : "start") + " of track \"" + trackName + "\"";
+        if (node != m_name) return add(what + " names the " + extremity + ", which does not meet it", &pair);
+        const Profile* profile = TrackExtremity(track, atEnd).GetProfile();
+        if (!profile || !profile->GetLaneByName(laneName.c_str()))
+            add(what + " names the lane \"" + laneName + "\" at the " + extremity +
+                    ", which its profile does not have",
+                &pair);
+    };
+    const auto check = [&](const std::string& what, const Ruvex::LanePairElement& pair) {
+        side(what, pair, pair.GetFromTrack(), pair.GetFromTrackBoundInfo(), pair.GetFromLane());
+        side(what, pair, pair.GetToTrack(), pair.GetToTrackBoundInfo(), pair.GetToLane());
+    };
+    for (const auto& pair : m_BannedLinks)
+        if (pair) check("banned link", *pair);
+    for (const auto& link : m_Links) {
+        if (!link) continue;
+        for (const auto& pair : link->GetLanePairs())
+            if (pair) check("link \"" + link->GetName() + "\"", *pair);
+    }
+    for (size_t k = 0; k < m_ContourPieces.size(); ++k) {
+        const Ruvex::ContourPieceElement* piece = m_ContourPieces[k].Get();
+        if (!piece) continue;
+        for (const std::string* anchor : {&piece->GetStartAnchorTrack(), &piece->GetEndAnchorTrack()})
+            if (!m_subNetwork->GetTrackByName(*anchor))
+                add("contour piece " + std::to_string(k + 1) + " names the track \"" + *anchor +
+                        "\", which the sub-network does not have",
+                    nullptr);
+    }
+
+    std::vector<TrackExtremity> arms;
+    BuildTrackArrayAroundIntersection(arms);
+    std::vector<vek::Vector3> points(arms.size());
+    std::vector<vek::Vector3> headings(arms.size());
+    for (size_t i = 0; i < arms.size(); ++i) {
+        Track* track = arms[i].GetTrack();
+        track->Validate();
+        if (!(track->GetXYLength() > kZeroLength))
+            add("track \"" + track->GetName() + "\" meets it with no length", nullptr);
+        arms[i].GetPosition(points[i]);
+        arms[i].GetDirection(headings[i]);
+    }
+    for (size_t i = 0; i < arms.size(); ++i)
+        for (size_t j = i + 1; j < arms.size(); ++j) {
+            if ((points[i] - points[j]).norm() > kSamePoint) continue;
+            const double ni = headings[i].norm();
+            const double nj = headings[j].norm();
+            if (!(ni > 0 && nj > 0) ||
+                (headings[i] * (1 / ni) - headings[j] * (1 / nj)).norm() > kSameHeading)
+                continue;
+            add("tracks \"" + arms[i].GetTrack()->GetName() + "\" and \"" + arms[j].GetTrack()->GetName() +
+                    "\" meet it at one point with one heading",
+                nullptr);
+        }
+    return problems;
+}
+
 bool Intersection::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
     Invalidate();
+    m_line = element->GetLine();
+    m_column = element->GetColumn();
     if (parser->GetVersion() <= kLegacyVersion)
         return QorOldData::DataConverter::LoadIntersection(this, element, parser);
     return IntersectionElement::LoadFromXMLElement(element, parser);

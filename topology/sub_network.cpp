@@ -123,6 +123,20 @@ Intersection* SubNetwork::GetIntersectionByName(const std::string& name) const {
     return Named<Intersection>(m_Intersections, name);
 }
 
+void SubNetwork::GetTracksArroundIntersection(const Intersection* intersection,
+                                              std::vector<TrackExtremity>& out, bool sorted) const {
+    out.clear();
+    if (!intersection) return;
+    std::vector<Track*> tracks;
+    tracks.reserve(m_Tracks.size());
+    for (const auto& item : m_Tracks)
+        tracks.push_back(dynamic_cast<Track*>(item.Get()));
+    intersection->BuildTrackArrayAroundIntersection(tracks, out);
+    if (!sorted) return;
+    std::vector<double> angles;
+    intersection->SortTracks(out, angles);
+}
+
 std::string SubNetwork::GetUniqueIntersectionName(const std::string& requested) const {
     return GetUniqueName(requested, m_Intersections);
 }

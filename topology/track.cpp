@@ -399,29 +399,25 @@ void Track::SetName(const std::string& name) {
 // the same track end is banned by default at the new node, and those bans leave the old one.
 void Track::SetStartIntersection(Intersection* intersection) {
     if (intersection != m_startIntersection) {
-        if (m_startIntersection) m_startIntersection->UpdateBannedTrackSelfLinks(this, false, true);
+        if (m_startIntersection) {
+            m_startIntersection->UpdateBannedTrackSelfLinks(this, false, true);
+            m_startIntersection->Invalidate();
+        }
         if (intersection) intersection->UpdateBannedTrackSelfLinks(this, false, false);
     }
-    LinkStart(intersection);
-}
-
-void Track::SetEndIntersection(Intersection* intersection) {
-    if (intersection != m_endIntersection) {
-        if (m_endIntersection) m_endIntersection->UpdateBannedTrackSelfLinks(this, true, true);
-        if (intersection) intersection->UpdateBannedTrackSelfLinks(this, true, false);
-    }
-    LinkEnd(intersection);
-}
-
-void Track::LinkStart(Intersection* intersection) {
-    if (m_startIntersection) m_startIntersection->Invalidate();
     m_startIntersection = intersection;
     m_StartIntersectionName = intersection ? intersection->GetName() : std::string();
     Invalidate();
 }
 
-void Track::LinkEnd(Intersection* intersection) {
-    if (m_endIntersection) m_endIntersection->Invalidate();
+void Track::SetEndIntersection(Intersection* intersection) {
+    if (intersection != m_endIntersection) {
+        if (m_endIntersection) {
+            m_endIntersection->UpdateBannedTrackSelfLinks(this, true, true);
+            m_endIntersection->Invalidate();
+        }
+        if (intersection) intersection->UpdateBannedTrackSelfLinks(this, true, false);
+    }
     m_endIntersection = intersection;
     m_EndIntersectionName = intersection ? intersection->GetName() : std::string();
     Invalidate();
@@ -701,10 +697,10 @@ void Track::PostLoad(SubNetwork* subNetwork) {
     // An empty name is a free end, whatever an unnamed intersection may exist. The banned links were saved
     // with the file: linking here leaves them as they are.
     if (!m_StartIntersectionName.empty())
-        if (Intersection* start = subNetwork->GetIntersectionByName(m_StartIntersectionName))
-            LinkStart(start);
+        m_startIntersection = subNetwork->GetIntersectionByName(m_StartIntersectionName);
     if (!m_EndIntersectionName.empty())
-        if (Intersection* end = subNetwork->GetIntersectionByName(m_EndIntersectionName)) LinkEnd(end);
+        m_endIntersection = subNetwork->GetIntersectionByName(m_EndIntersectionName);
+    Invalidate();
     UpdatePortion();
 }
 

@@ -1,6 +1,7 @@
 #include <orvia/core/network.h>
 #include <orvia/geometry/profile.h>
 #include <orvia/ruvex/factory.h>
+#include <orvia/topology/clipped_data.h>
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/link.h>
 #include <orvia/topology/sub_network.h>
@@ -28,8 +29,9 @@ namespace {
 constexpr double kAngleToleranceRad = 1e-12;
 constexpr double kPi = std::numbers::pi;
 
-CountedPtr<Network> LoadNetwork(const std::string& subNetworkContent, const std::string& version = "2.5") {
-    const std::string text = "<Ruvex version=\"" + version +
+CountedPtr<Network> LoadNetwork(const std::string& subNetworkContent, const std::string& version = "2.5",
+                                const std::string& revision = "0") {
+    const std::string text = "<Ruvex version=\"" + version + "\" versionRevision=\"" + revision +
                              "\"><Network><SubNetworks><SubNetwork name=\"S\">" + subNetworkContent +
                              "</SubNetwork></SubNetworks></Network></Ruvex>";
     CountedPtr<Network> network(Network::Load(text.c_str(), text.size(), {}));
@@ -385,4 +387,164 @@ TEST(Intersection, NamesAndExtremities) {
     EXPECT_EQ(x->GetContourPieces()[1]->GetEndAnchorTrack(), "A2");
     EXPECT_EQ(x->GetBannedLink(0)->GetFromTrack(), "A2");
     EXPECT_EQ(x->GetBannedLink(0)->GetToTrack(), "B");
+}
+
+TEST(Intersection, DriveableLanes) {
+    // Drivable: a, e, g. Not: b (both ways), c (sidewalk), d (exactly 1 m), f (no way), h (median).
+    CountedPtr<Network> network =
+        LoadNetwork(R"(<Profiles><Profile name="P">
+<Lane name="a"/><Lane name="b" circulationWay="both"/><Lane name="c" laneType="sidewalk"/><Lane name="d"/>
+<Lane name="e" laneType="zebra" circulationWay="inverse"/><Lane name="f" laneType="paved major" circulationWay="none"/>
+<Lane name="g" laneType="emergency"/><Lane name="h" laneType="median"/>
+<LaneBorder horizDistToAxis="-10"/><LaneBorder horizDistToAxis="-6.5"/><LaneBorder horizDistToAxis="-3"/>
+<LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="1"/><LaneBorder horizDistToAxis="3"/>
+<LaneBorder horizDistToAxis="6"/><LaneBorder horizDistToAxis="7.5"/><LaneBorder horizDistToAxis="10"/>
+</Profile></Profiles><Intersections><Intersection name="X"/></Intersections><Tracks>)" +
+                    TrackXml("T", 0, 0, 0, "P", "") + "<Track name=\"Bare\"/></Tracks>");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    const Intersection* x = s->GetIntersectionByName("X");
+    EXPECT_EQ(x->GetNumberOfDriveableLanes(TrackExtremity(s->GetTrackByName("T"), false)), 3u);
+    EXPECT_EQ(x->GetNumberOfDriveableLanes(TrackExtremity(s->GetTrackByName("T"), true)), 3u);
+    EXPECT_EQ(x->GetNumberOfDriveableLanes(TrackExtremity(s->GetTrackByName("Bare"), true)), 0u);
+    EXPECT_EQ(x->GetNumberOfDriveableLanes(TrackExtremity()), 0u);
+}
+
+TEST(Intersection, DegenerateInput) {
+    // A and B leave X from one point with one heading; Z has no length; Bare has no geometry nor portion;
+    // the banned link and the contour piece name a track that does not exist.
+    const std::string start = "startIntersectionName=\"X\"";
+    CountedPtr<Network> network =
+        LoadNetwork("<Profiles>" + kTwoWay + R"(</Profiles><Intersections><Intersection name="X"><Contours>
+<ContourPiece startAnchorTrack="Ghost" endAnchorTrack="A"/></Contours><BannedLinks>
+<LanePair fromTrack="Ghost" fromLane="L" toTrack="A" toLane="Nope"/></BannedLinks></Intersection></Intersections>
+<Tracks>)" + TrackXml("A", 10, 0, 0, "TwoWay", start) +
+                    TrackXml("B", 10, 0, 0, "TwoWay", start) + TrackXml("Z", 0, -10, 0, "TwoWay", start, 0) +
+                    "<Track name=\"Bare\" " + start + "/></Tracks>");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Intersection* x = s->GetIntersectionByName("X");
+    std::vector<TrackExtremity> around;
+    x->GetTracksArroundConnector(around, true);
+    // Ties keep the list order; the shapeless tracks sit where their (degenerate) directions put them.
+    ASSERT_EQ(around.size(), 4u);
+    const std::vector<std::string> names = Names(around);
+    const auto a = std::find(names.begin(), names.end(), "A<");
+    ASSERT_NE(a, names.end());
+    ASSERT_NE(a + 1, names.end());
+    EXPECT_EQ(*(a + 1), "B<");
+    std::vector<double> angles;
+    x->SortTracks(around, angles);
+    EXPECT_EQ(angles[static_cast<size_t>(a - names.begin()) + 1], 0.0);
+
+    std::vector<LaneConnection> all;
+    x->ComputeAllConnections(all);
+    EXPECT_EQ(all.size(), 9u);  // L to R among A, B and Z
+    EXPECT_TRUE(x->IsBannedLink(At("Ghost", false, "L"), At("A", false, "Nope")));
+    x->GetNonlinkedLanesPairs(all);
+    EXPECT_EQ(all.size(), 9u);
+    x->UpdateBannedTrackSelfLinks(s->GetTrackByName("Bare"), false, false);
+    EXPECT_EQ(x->GetBannedLinksCount(), 1u);
+
+    // Without a sub-network nothing is gathered.
+    CountedPtr<Intersection> loose(new Intersection);
+    loose->SetName("X");
+    loose->GetTracksArroundConnector(around, true);
+    EXPECT_TRUE(around.empty());
+    loose->ComputeAllConnections(all);
+    EXPECT_TRUE(all.empty());
+    EXPECT_FALSE(loose->AreCompatibleLanes(At("A", false, "L"), At("B", false, "R")));
+}
+
+TEST(Intersection, OldDocumentsGoThroughTheConverter) {
+    // Up to 2.4.1 the converter reads the intersection; from 2.4.2 its record does. The layouts agree.
+    const std::string content =
+        R"(<Intersections><Intersection name="X" x="1" altitude="2" contourPoints="0 0 1 0 1 1"
+  contourInterpolations="0 1 0" drawMarkingInsideIntersection="true"><BannedLinks>
+<LanePair fromTrack="A" fromTrackBoundInfo="end" fromLane="L" toTrack="B" toLane="R"/></BannedLinks>
+</Intersection></Intersections>)";
+    for (const char* revision : {"1", "2"}) {
+        CountedPtr<Network> network = LoadNetwork(content, "2.4", revision);
+        ASSERT_TRUE(network) << revision;
+        EXPECT_EQ(network->GetFormatVersion(), Ruvex::MakeVersionID(2, 4, revision[0] - '0'));
+        const Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+        ASSERT_NE(x, nullptr) << revision;
+        EXPECT_EQ(x->GetPosition(), vek::Vector3(1, 0, 0)) << revision;
+        EXPECT_EQ(x->GetAltitude(), 2.0) << revision;
+        EXPECT_TRUE(x->GetDrawInsideMarking()) << revision;
+        EXPECT_TRUE(x->IsInterpolationSpline(1)) << revision;
+        EXPECT_TRUE(x->IsBannedLink(At("A", true, "L"), At("B", false, "R"))) << revision;
+    }
+    EXPECT_EQ(Intersection::kLegacyVersion, Ruvex::MakeVersionID(2, 4, 1));
+}
+
+TEST(Intersection, LoopCloneAndBookkeeping) {
+    // Loop leaves X and comes back to it; T only leaves.
+    CountedPtr<Network> network = LoadNetwork(
+        "<Profiles>" + kTwoWay +
+        "</Profiles><Intersections><Intersection name=\"X\"/></Intersections><Tracks>" +
+        TrackXml("T", 10, 0, 0, "TwoWay", "startIntersectionName=\"X\"") +
+        R"(<Track name="Loop" startIntersectionName="X" endIntersectionName="X"><XYCurve x="0" y="10" orientation="0">
+<CircleArc length="20" curvature="-0.1"/></XYCurve>
+<Portion endDistance="20" startProfileName="TwoWay" endProfileName="TwoWay"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Intersection* x = s->GetIntersectionByName("X");
+    std::vector<TrackExtremity> around;
+    s->GetTracksArroundIntersection(x, around, false);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"T<", "Loop<", "Loop>"}));
+    s->GetTracksArroundIntersection(nullptr, around, false);
+    EXPECT_TRUE(around.empty());
+
+    // The loop's lanes reach each other across its two ends.
+    std::vector<LaneConnection> all;
+    x->ComputeAllConnections(all);
+    std::vector<std::string> loop;
+    for (const LaneConnection& c : all)
+        if (c.first.trackName == "Loop" && c.second.trackName == "Loop")
+            loop.push_back(Text(c) + (c.first.atTrackEnd ? ">" : "<") + (c.second.atTrackEnd ? ">" : "<"));
+    EXPECT_EQ(loop, (std::vector<std::string>{"Loop.L-Loop.R<<", "Loop.L-Loop.L<>", "Loop.R-Loop.R><",
+                                              "Loop.R-Loop.L>>"}));
+
+    // Lanes by gathered position and back.
+    Orvia::Lane* lane = x->FindLane(2, 1);
+    ASSERT_NE(lane, nullptr);
+    EXPECT_EQ(lane->GetName(), "R");
+    EXPECT_EQ(x->FindLane(3, 0), nullptr);
+    EXPECT_EQ(x->FindLane(0, 2), nullptr);
+    size_t trackIndex = 9;
+    size_t laneIndex = 9;
+    // Every arm shares the profile: the first arm holding the lane answers.
+    EXPECT_TRUE(x->FindTrackAndLaneIndex(lane, trackIndex, laneIndex));
+    EXPECT_EQ(trackIndex, 0u);
+    EXPECT_EQ(laneIndex, 1u);
+    EXPECT_FALSE(x->FindTrackAndLaneIndex(nullptr, trackIndex, laneIndex));
+
+    // What removing a track leaves dangling.
+    x->BanLink(At("T", false, "L"), At("Loop", true, "L"));
+    x->BanLink(At("Loop", false, "L"), At("Loop", false, "R"));
+    x->BanLink(At("T", false, "L"), At("T", false, "R"));
+    std::vector<LaneConnection> dangling;
+    x->GetRemovedLinksFromTrackRemoval(s->GetTrackByName("Loop"), dangling);
+    EXPECT_EQ(Texts(dangling), (std::vector<std::string>{"T.L-Loop.L", "Loop.L-Loop.R"}));
+    x->RemoveLinks(dangling);
+    EXPECT_EQ(x->GetBannedLinksCount(), 1u);
+
+    // Clipped data bookkeeping.
+    CountedPtr<Orvia::MarkClippedData> a(new Orvia::MarkClippedData);
+    CountedPtr<Orvia::MarkClippedData> b(new Orvia::MarkClippedData);
+    x->AddClippedData(a.Get());
+    x->AddClippedData(nullptr);
+    x->AddClippedData(b.Get());
+    EXPECT_EQ(x->GetClippedDataIndex(b.Get()), 1u);
+    EXPECT_FALSE(x->RemoveClippedData(2, 1));
+    EXPECT_TRUE(x->RemoveClippedData(0, 5));
+    EXPECT_EQ(x->GetClippedDataCount(), 0u);
+    EXPECT_EQ(x->GetClippedDataIndex(a.Get()), Orvia::TrackConnector::npos);
+
+    // A clone holds the same record, belongs nowhere and renames no track.
+    CountedPtr<Intersection> copy(x->Clone());
+    EXPECT_EQ(copy->GetInSubNetwork(), nullptr);
+    EXPECT_EQ(Ruvex::SaveToString(copy.Get()), Ruvex::SaveToString(x));
+    EXPECT_EQ(s->GetTrackByName("T")->GetStartIntersectionName(), "X");
 }

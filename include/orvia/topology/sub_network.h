@@ -18,6 +18,7 @@ class Intersection;
 class Network;
 class Profile;
 class Track;
+class TrackExtremity;
 class TrafficLightGroup;
 
 // Owns the tracks, intersections, profiles, markings and materials of its piece of network (element record).
@@ -60,6 +61,10 @@ public:
     std::string GetUniqueIntersectionName(const std::string& requested) const;
     // Appends a new intersection at `position` named GetUniqueIntersectionName(requested).
     Intersection* CreateIntersection(const vek::Vector3& position, const std::string& requested);
+    // The extremities of this sub-network's tracks that name `intersection` (start before end, in track
+    // order), or in angular order (TrackConnector::SortTracks) when `sorted`. `out` is cleared.
+    void GetTracksArroundIntersection(const Intersection* intersection, std::vector<TrackExtremity>& out,
+                                      bool sorted) const;
 
     // Traffic-light groups, with the same conventions (the traffic module defines these). Removal by pointer
     // looks the index up first; a removed or cleared group forgets this sub-network.

@@ -226,9 +226,6 @@ protected:
 
 private:
     void RefreshPortionView();
-    // Link an end without touching the nodes' banned links.
-    void LinkStart(Intersection* intersection);
-    void LinkEnd(Intersection* intersection);
     // The curve of the record when it has a piece, else the default (null before validation).
     CartesianCurve* Longitudinal(const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
                                  const Ruvex::CountedPtr<CartesianCurve>& fallback) const;
