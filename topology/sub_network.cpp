@@ -87,6 +87,28 @@ Track* SubNetwork::CreateTrack(const std::string& requested) {
     return track.Get();
 }
 
+Track* SubNetwork::CreateTrackInJunction(const std::string& requested) {
+    Ruvex::CountedPtr<Track> track(new Track(this));
+    track->SetName(GetUniqueTrackName(requested));
+    m_junctionTracks.push_back(track);
+    return track.Get();
+}
+
+Track* SubNetwork::GetDerivedJunctionTrack(size_t index) const {
+    return index < m_junctionTracks.size() ? m_junctionTracks[index].Get() : nullptr;
+}
+
+void SubNetwork::AddJunctionProfile(Profile* profile) {
+    if (!profile) return;
+    profile->SetParentSubNetwork(this);
+    m_junctionProfiles.emplace_back(profile);
+}
+
+void SubNetwork::ClearJunctionSpace() {
+    m_junctionTracks.clear();
+    m_junctionProfiles.clear();
+}
+
 // ---- Intersections
 
 Intersection* SubNetwork::GetIntersectionByIndex(size_t index) const {

@@ -124,8 +124,21 @@ public:
 
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
 
+    // Junction space: tracks and profiles derived inside intersections (the ways of lane links). They belong
+    // to this sub-network but to none of its lists (the stored junction tracks included), so nothing of them
+    // is saved. A derived track is named GetUniqueTrackName(requested).
+    Track* CreateTrackInJunction(const std::string& requested);
+    size_t GetDerivedJunctionTrackCount() const { return m_junctionTracks.size(); }
+    Track* GetDerivedJunctionTrack(size_t index) const;
+    void AddJunctionProfile(Profile* profile);
+    size_t GetJunctionProfileCount() const { return m_junctionProfiles.size(); }
+    // Drops the junction space (links still holding a way keep it alive).
+    void ClearJunctionSpace();
+
 private:
     Network* m_network = nullptr;
+    std::vector<Ruvex::CountedPtr<Track>> m_junctionTracks;
+    std::vector<Ruvex::CountedPtr<Profile>> m_junctionProfiles;
 };
 
 }  // namespace Orvia
