@@ -222,9 +222,20 @@ protected:
     bool LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) override;
 
 private:
+    // A record's curve as its runtime class, taken once. The view holds a reference to the curve, so that a
+    // record still naming the same address names the same curve: queries compare addresses and skip the type
+    // test; a replaced curve is typed again at each call until the next validation.
+    template <class Typed, class Record>
+    struct CurveView {
+        Ruvex::CountedPtr<Record> held;
+        Typed* typed = nullptr;
+    };
+
     void RefreshPortionView();
+    void RefreshCurveViews();
     // The curve of the record when it has a piece, else the default (null before validation).
     CartesianCurve* Longitudinal(const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
+                                 const CurveView<CartesianCurve, Ruvex::CartesianCurveElement>& view,
                                  const Ruvex::CountedPtr<CartesianCurve>& fallback) const;
 
     SubNetwork* m_subNetwork = nullptr;
@@ -239,6 +250,10 @@ private:
     Ruvex::CountedPtr<CartesianCurve> m_defaultSZ;
     Ruvex::CountedPtr<CartesianCurve> m_defaultBanking;
     Ruvex::CountedPtr<CartesianCurve> m_defaultSZCurvature;
+    CurveView<Curve2D, Ruvex::XYCurveElement> m_xyView;
+    CurveView<CartesianCurve, Ruvex::CartesianCurveElement> m_szView;
+    CurveView<CartesianCurve, Ruvex::CartesianCurveElement> m_bankingView;
+    CurveView<CartesianCurve, Ruvex::CartesianCurveElement> m_szCurvatureView;
 };
 
 }  // namespace Orvia
