@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <string_view>
 #include <typeinfo>
 
@@ -292,6 +293,39 @@ double Track::GetBanking(double s) const {
     return f ? f->GetValue(s) : 0.0;
 }
 
+double Track::GetBankingTangent(double s) const {
+    const CartesianCurve* banking = GetBankingCurve();
+    const PolynomialFunction* f = banking ? banking->GetFunctionAt(s) : nullptr;
+    return f ? f->GetDerivative(s) : 0.0;
+}
+
+double Track::GetXYCurvature(double s, double t) const {
+    const Curve2D* xy = GetXYCurve();
+    PointData pd;
+    return xy && xy->GetPointData(s, t, pd) ? pd.curvature : 0.0;
+}
+
+double Track::GetSZCurvature(double s) const {
+    const CartesianCurve* sz = GetSZCurve();
+    const PolynomialFunction* f = sz ? sz->GetFunctionAt(s) : nullptr;
+    return f ? f->GetCurvature(s) : 0.0;
+}
+
+size_t Track::GetXYFunctionIndex(double s, double& startAbscissa) const {
+    const Curve2D* xy = GetXYCurve();
+    return xy ? xy->GetFunctionIndex(s, startAbscissa) : npos;
+}
+
+vek::Vector3 Track::GetOffsetIn() const {
+    if (!m_startIntersection) return {};
+    return TrackExtremity(const_cast<Track*>(this), false).GetPosition() - m_startIntersection->GetPosition();
+}
+
+vek::Vector3 Track::GetOffsetOut() const {
+    if (!m_endIntersection) return {};
+    return TrackExtremity(const_cast<Track*>(this), true).GetPosition() - m_endIntersection->GetPosition();
+}
+
 vek::Box3 Track::GetBoundingBox() const {
     vek::Box3 box;
     const_cast<Track*>(this)->Axis::GetBoundingBox(box);
@@ -447,12 +481,14 @@ void Track::SetName(const std::string& name) {
 
 // The default elevation runs between the two nodes' altitudes: a new node rebuilds it.
 void Track::SetStartIntersection(Intersection* intersection) {
+    if (intersection == m_startIntersection) return;
     m_startIntersection = intersection;
     m_StartIntersectionName = intersection ? intersection->GetName() : std::string();
     Invalidate();
 }
 
 void Track::SetEndIntersection(Intersection* intersection) {
+    if (intersection == m_endIntersection) return;
     m_endIntersection = intersection;
     m_EndIntersectionName = intersection ? intersection->GetName() : std::string();
     Invalidate();
@@ -757,7 +793,44 @@ bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* p
     if (version < kBankingSignVersion)
         if (CartesianCurve* banking = As<CartesianCurve>(m_BankingCurve.Get())) banking->InvertY();
     RefreshPortionView();
+    if (loaded) CheckPortionDistances(element, parser);
     return loaded;
+}
+
+// Portions are read as tiling the axis in increasing order: an end that is not a distance, or that goes back,
+// becomes the end before it (the portion is empty); portions beyond the axis are only said, since queries
+// there extrapolate anyway.
+void Track::CheckPortionDistances(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    std::vector<Ruvex::IDOMElement*> places;
+    for (Ruvex::IDOMElement* child = element->GetFirstChild(); child; child = child->GetNextSibling())
+        if (child->GetTagName() == "Portion") places.push_back(child);
+    // Without one place per portion the warnings could point at the wrong element.
+    if (places.size() != m_Portions.size()) places.assign(m_Portions.size(), element);
+    double previous = 0;
+    for (size_t i = 0; i < m_Portions.size(); ++i) {
+        Ruvex::PortionElement* portion = m_Portions[i].Get();
+        if (!portion) continue;
+        const double end = portion->GetEndDistance();
+        if (!(end >= previous)) {
+            char text[200];
+            std::snprintf(
+                text, sizeof text,
+                "attribute \"endDistance\" of <Portion> is %.17g, not at or after its start %.17g: read "
+                "as %.17g",
+                end, previous, previous);
+            parser->ReportWarning(places[i], text);
+            portion->SetEndDistance(previous);
+        }
+        previous = portion->GetEndDistance();
+    }
+    const Curve2D* xy = GetXYCurve();
+    const double length = xy ? xy->GetLength() : 0.0;
+    if (!m_Portions.empty() && xy && previous > length + kPortionOverrun) {
+        char text[160];
+        std::snprintf(text, sizeof text, "the portions of <Track> run to %.17g, beyond its length %.17g",
+                      previous, length);
+        parser->ReportWarning(places.back(), text);
+    }
 }
 
 bool Track::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {
