@@ -33,6 +33,12 @@ bool DataConverter::LoadTrack(Ruvex::TrackElement* record, Ruvex::IDOMElement* e
     return record->Ruvex::TrackElement::LoadFromXMLElement(element, parser);
 }
 
+bool DataConverter::LoadIntersection(Ruvex::IntersectionElement* record, Ruvex::IDOMElement* element,
+                                     Ruvex::IDOMParser* parser) {
+    if (!record || !element || !parser) return false;
+    return record->Ruvex::IntersectionElement::LoadFromXMLElement(element, parser);
+}
+
 bool DataConverter::LoadPortion(Ruvex::PortionElement* record, Ruvex::IDOMElement* element,
                                 Ruvex::IDOMParser* parser) {
     if (!record || !element || !parser) return false;

@@ -1,11 +1,98 @@
 #include <orvia/topology/intersection.h>
 
+#include <orvia/core/legacy_converter.h>
+#include <orvia/core/network.h>
+#include <orvia/geometry/profile.h>
+#include <orvia/topology/clipped_data.h>
+#include <orvia/topology/link.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 
 #include <vector>
 
 namespace Orvia {
+
+namespace {
+
+const std::string kStartWord = "start";
+const std::string kEndWord = "end";
+
+const std::string& Word(bool atEnd) {
+    return atEnd ? kEndWord : kStartWord;
+}
+
+// Field by field, so that checking a candidate against the list allocates nothing.
+bool Names(const Ruvex::LanePairElement& pair, const LaneOnIntersectionData& from,
+           const LaneOnIntersectionData& to) {
+    return pair.GetFromTrack() == from.trackName &&
+           (pair.GetFromTrackBoundInfo() == kEndWord) == from.atTrackEnd &&
+           pair.GetFromLane() == from.laneName && pair.GetToTrack() == to.trackName &&
+           (pair.GetToTrackBoundInfo() == kEndWord) == to.atTrackEnd && pair.GetToLane() == to.laneName;
+}
+
+uint64_t IndexOf(const SubNetwork* subNetwork) {
+    const Network* network = subNetwork ? subNetwork->GetNetwork() : nullptr;
+    if (!network) return LaneOnIntersectionData::kNoSubNetwork;
+    const size_t index = network->GetSubNetworkIndex(subNetwork);
+    return index == Network::npos ? LaneOnIntersectionData::kNoSubNetwork : index;
+}
+
+}  // namespace
+
+// ---- LaneOnIntersectionData
+
+Lane* LaneOnIntersectionData::GetLane(Network* network) const {
+    if (!network || subNetworkIndex >= network->GetSubNetworkCount()) return nullptr;
+    SubNetwork* subNetwork = network->GetSubNetwork(static_cast<size_t>(subNetworkIndex));
+    Track* track = subNetwork ? subNetwork->GetTrackByName(trackName) : nullptr;
+    Profile* profile = track ? TrackExtremity(track, atTrackEnd).GetProfile() : nullptr;
+    return profile ? profile->GetLaneByName(laneName.c_str()) : nullptr;
+}
+
+// ---- LanePair
+
+LanePair::~LanePair() = default;
+
+void LanePair::SetFrom(const LaneOnIntersectionData& from) {
+    m_FromTrack = from.trackName;
+    m_FromTrackBoundInfo = Word(from.atTrackEnd);
+    m_FromLane = from.laneName;
+}
+
+void LanePair::GetFrom(LaneOnIntersectionData& from) const {
+    from = LaneOnIntersectionData(m_FromTrack, IsFromTrackEnd(), m_FromLane, IndexOf(m_subNetwork));
+}
+
+void LanePair::SetTo(const LaneOnIntersectionData& to) {
+    m_ToTrack = to.trackName;
+    m_ToTrackBoundInfo = Word(to.atTrackEnd);
+    m_ToLane = to.laneName;
+}
+
+void LanePair::GetTo(LaneOnIntersectionData& to) const {
+    to = LaneOnIntersectionData(m_ToTrack, IsToTrackEnd(), m_ToLane, IndexOf(m_subNetwork));
+}
+
+void LanePair::SetFromTrackEnd(bool atEnd) {
+    m_FromTrackBoundInfo = Word(atEnd);
+}
+
+void LanePair::SetToTrackEnd(bool atEnd) {
+    m_ToTrackBoundInfo = Word(atEnd);
+}
+
+void LanePair::CopyFrom(const LanePair* other) {
+    if (!other) return;
+    m_FromTrack = other->m_FromTrack;
+    m_FromTrackBoundInfo = other->m_FromTrackBoundInfo;
+    m_FromLane = other->m_FromLane;
+    m_ToTrack = other->m_ToTrack;
+    m_ToTrackBoundInfo = other->m_ToTrackBoundInfo;
+    m_ToLane = other->m_ToLane;
+    m_subNetwork = other->m_subNetwork;
+}
+
+// ---- Intersection
 
 Intersection::Intersection() = default;
 
@@ -15,30 +102,244 @@ Intersection::Intersection(SubNetwork* subNetwork) {
 
 Intersection::~Intersection() = default;
 
+void Intersection::GetTracksArroundConnector(std::vector<TrackExtremity>& out, bool sorted) const {
+    out.clear();
+    BuildTrackArrayAroundIntersection(out);
+    if (!sorted) return;
+    std::vector<double> angles;
+    SortTracks(out, angles);
+}
+
+void Intersection::SetMaterial(const vek::Material& material) {
+    TrackConnector::SetMaterial(material);
+}
+
+void Intersection::SetMaterial(Ruvex::MaterialElement* material) {
+    TrackConnector::SetMaterial(material);
+}
+
+bool Intersection::Validate() {
+    if (IsValid()) return true;
+    return TrackConnector::Validate();
+}
+
+void Intersection::SetInSubNetwork(SubNetwork* subNetwork) {
+    TrackConnector::SetInSubNetwork(subNetwork);
+    for (size_t i = 0; i < m_BannedLinks.size(); ++i)
+        if (LanePair* pair = GetBannedLink(i)) pair->SetInSubNetwork(subNetwork);
+}
+
+void Intersection::BuildTrackArrayAroundIntersection(const std::vector<Track*>& tracks,
+                                                     std::vector<TrackExtremity>& out) const {
+    out.clear();
+    if (m_name.empty()) return;
+    for (Track* track : tracks) {
+        if (!track) continue;
+        if (track->GetStartIntersectionName() == m_name) out.emplace_back(track, false);
+        if (track->GetEndIntersectionName() == m_name) out.emplace_back(track, true);
+    }
+}
+
+void Intersection::BuildTrackArrayAroundIntersection(std::vector<TrackExtremity>& out) const {
+    out.clear();
+    if (!m_subNetwork || m_name.empty()) return;
+    for (size_t i = 0; i < m_subNetwork->GetTrackCount(); ++i) {
+        Track* track = m_subNetwork->GetTrack(i);
+        if (!track) continue;
+        if (track->GetStartIntersectionName() == m_name) out.emplace_back(track, false);
+        if (track->GetEndIntersectionName() == m_name) out.emplace_back(track, true);
+    }
+}
+
+void Intersection::BuildOrganizedTrackArrayAroundIntersection(const std::vector<Track*>& tracks,
+                                                              std::vector<TrackExtremity>& out,
+                                                              std::vector<double>& angles) const {
+    BuildTrackArrayAroundIntersection(tracks, out);
+    SortTracks(out, angles);
+}
+
+size_t Intersection::GetNumberOfDriveableLanes(const TrackExtremity& extremity) const {
+    const Profile* profile = extremity.GetProfile();
+    if (!profile) return 0;
+    size_t count = 0;
+    for (size_t i = 0; i < profile->GetLaneCount(); ++i)
+        if (IsDriveableLane(profile->GetLane(i))) ++count;
+    return count;
+}
+
+bool Intersection::IsDriveableLane(const Lane* lane) {
+    if (!lane) return false;
+    const LaneType type = lane->GetLaneType();
+    const bool driveableType = (type <= eLanePavedRoundabout) || type == eLaneEmergency ||
+                               type == eLaneParking || type == eLaneZebra || type == eLanePavedMajor;
+    // A lane with no way, or open both ways (or an unknown way, all bits set), carries no directed traffic.
+    const uint32_t way = lane->GetCirculationWay();
+    const bool directed = way != eWayNone && (way & eWayBoth) != eWayBoth;
+    return driveableType && directed && lane->GetHorWidth() > kMinDriveableWidth;
+}
+
+void Intersection::ComputeAllConnections(std::vector<LaneConnection>& out) const {
+    out.clear();
+    std::vector<TrackExtremity> extremities;
+    BuildTrackArrayAroundIntersection(extremities);
+    const uint64_t subNetworkIndex = IndexOf(m_subNetwork);
+    for (const TrackExtremity& a : extremities) {
+        const Profile* fromProfile = a.GetProfile();
+        if (!fromProfile) continue;
+        for (size_t i = 0; i < fromProfile->GetLaneCount(); ++i) {
+            const Lane* fromLane = fromProfile->GetLane(i);
+            if (!fromLane) continue;
+            const LaneOnIntersectionData from(a.GetTrack()->GetName(), a.IsEnd(), fromLane->GetName(),
+                                              subNetworkIndex);
+            for (const TrackExtremity& b : extremities) {
+                const Profile* toProfile = b.GetProfile();
+                if (!toProfile) continue;
+                for (size_t j = 0; j < toProfile->GetLaneCount(); ++j) {
+                    const Lane* toLane = toProfile->GetLane(j);
+                    if (!toLane) continue;
+                    LaneOnIntersectionData to(b.GetTrack()->GetName(), b.IsEnd(), toLane->GetName(),
+                                              subNetworkIndex);
+                    if (AreCompatibleLanes(from, to)) out.emplace_back(from, std::move(to));
+                }
+            }
+        }
+    }
+}
+
+void Intersection::GetNonlinkedLanesPairs(std::vector<LaneConnection>& out) const {
+    ComputeAllConnections(out);
+    std::erase_if(out, [this](const LaneConnection& pair) {
+        if (IsBannedLink(pair.first, pair.second)) return true;
+        for (const auto& link : m_Links) {
+            if (!link) continue;
+            for (const auto& explicitPair : link->GetLanePairs())
+                if (explicitPair && Names(*explicitPair, pair.first, pair.second)) return true;
+        }
+        return false;
+    });
+}
+
+LanePair* Intersection::GetBannedLink(size_t index) const {
+    return index < m_BannedLinks.size() ? dynamic_cast<LanePair*>(m_BannedLinks[index].Get()) : nullptr;
+}
+
+LanePair* Intersection::AddBannedLink() {
+    auto* pair = new LanePair(m_subNetwork);
+    m_BannedLinks.push_back(Ruvex::CountedPtr<Ruvex::LanePairElement>(pair));
+    return pair;
+}
+
+bool Intersection::IsBannedLink(const LaneOnIntersectionData& from, const LaneOnIntersectionData& to) const {
+    const uint64_t subNetworkIndex = IndexOf(m_subNetwork);
+    if (from.subNetworkIndex != subNetworkIndex || to.subNetworkIndex != subNetworkIndex) return false;
+    for (const auto& pair : m_BannedLinks)
+        if (pair && Names(*pair, from, to)) return true;
+    return false;
+}
+
+bool Intersection::BanLink(const LaneOnIntersectionData& from, const LaneOnIntersectionData& to) {
+    if (IsBannedLink(from, to)) return false;
+    LanePair* pair = AddBannedLink();
+    pair->SetFrom(from);
+    pair->SetTo(to);
+    return true;
+}
+
+bool Intersection::AllowLink(const LaneOnIntersectionData& from, const LaneOnIntersectionData& to) {
+    return std::erase_if(m_BannedLinks, [&](const Ruvex::CountedPtr<Ruvex::LanePairElement>& pair) {
+               return pair && Names(*pair, from, to);
+           }) > 0;
+}
+
+void Intersection::BanAllLinks() {
+    std::vector<LaneConnection> all;
+    ComputeAllConnections(all);
+    for (const auto& [from, to] : all)
+        BanLink(from, to);
+}
+
+void Intersection::UpdateBannedTrackSelfLinks(Track* track, bool atEnd, bool remove) {
+    if (!track) return;
+    const std::string& name = track->GetName();
+    if (remove) {
+        std::erase_if(m_BannedLinks, [&](const Ruvex::CountedPtr<Ruvex::LanePairElement>& pair) {
+            return pair && pair->GetFromTrack() == name && pair->GetToTrack() == name &&
+                   (pair->GetFromTrackBoundInfo() == kEndWord) == atEnd &&
+                   (pair->GetToTrackBoundInfo() == kEndWord) == atEnd;
+        });
+        return;
+    }
+    const Profile* profile = TrackExtremity(track, atEnd).GetProfile();
+    if (!profile) return;
+    const uint64_t subNetworkIndex = IndexOf(track->GetSubNetwork());
+    for (size_t i = 0; i < profile->GetLaneCount(); ++i) {
+        Lane* from = profile->GetLane(i);
+        if (!from || !from->IsSuitableForVehicleType()) continue;
+        for (size_t j = 0; j < profile->GetLaneCount(); ++j) {
+            Lane* to = profile->GetLane(j);
+            if (i == j || !to || !from->IsCompatibleWith(to)) continue;
+            const LaneOnIntersectionData fromData(name, atEnd, from->GetName(), subNetworkIndex);
+            const LaneOnIntersectionData toData(name, atEnd, to->GetName(), subNetworkIndex);
+            // Field comparison, not BanLink: the records may name another sub-network than ours.
+            bool present = false;
+            for (const auto& pair : m_BannedLinks)
+                if (pair && Names(*pair, fromData, toData)) present = true;
+            if (present) continue;
+            LanePair* pair = AddBannedLink();
+            pair->SetFrom(fromData);
+            pair->SetTo(toData);
+        }
+    }
+}
+
+Link* Intersection::createLink() {
+    auto* link = new Link;
+    m_Links.push_back(Ruvex::CountedPtr<Ruvex::LinkElement>(link));
+    return link;
+}
+
+Link* Intersection::getLink(size_t index) const {
+    return index < m_Links.size() ? dynamic_cast<Link*>(m_Links[index].Get()) : nullptr;
+}
+
+MarkClippedData* Intersection::GetClippedData(size_t index) const {
+    return index < m_ClippedData.size() ? dynamic_cast<MarkClippedData*>(m_ClippedData[index].Get())
+                                        : nullptr;
+}
+
 void Intersection::SetName(const std::string& name) {
     if (name == m_name) return;
     // Tracks refer to the intersection by name: gather their ends under the old name before it changes.
-    std::vector<std::pair<Track*, bool>> ends;
-    if (m_subNetwork && !m_name.empty()) {
-        for (size_t i = 0; i < m_subNetwork->GetTrackCount(); ++i) {
-            Track* track = m_subNetwork->GetTrack(i);
-            if (!track) continue;
-            // An end linked to another intersection of the same name is that one's.
-            const Intersection* start = track->GetStartIntersection();
-            const Intersection* end = track->GetEndIntersection();
-            if (track->GetStartIntersectionName() == m_name && (!start || start == this))
-                ends.emplace_back(track, false);
-            if (track->GetEndIntersectionName() == m_name && (!end || end == this))
-                ends.emplace_back(track, true);
-        }
-    }
+    std::vector<TrackExtremity> ends;
+    BuildTrackArrayAroundIntersection(ends);
     IntersectionElement::SetName(name);
-    for (const auto& [track, atEnd] : ends) {
-        if (atEnd)
-            track->SetEndIntersectionName(name);
+    for (const TrackExtremity& end : ends) {
+        if (end.IsEnd())
+            end.GetTrack()->SetEndIntersectionName(name);
         else
-            track->SetStartIntersectionName(name);
+            end.GetTrack()->SetStartIntersectionName(name);
     }
+}
+
+void Intersection::ReplaceTrackName(const std::string& oldName, const std::string& newName) {
+    for (const auto& pair : m_BannedLinks) {
+        if (!pair) continue;
+        if (pair->GetFromTrack() == oldName) pair->SetFromTrack(newName);
+        if (pair->GetToTrack() == oldName) pair->SetToTrack(newName);
+    }
+    for (const auto& piece : m_ContourPieces) {
+        if (!piece) continue;
+        if (piece->GetStartAnchorTrack() == oldName) piece->SetStartAnchorTrack(newName);
+        if (piece->GetEndAnchorTrack() == oldName) piece->SetEndAnchorTrack(newName);
+    }
+}
+
+bool Intersection::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    if (!element || !parser) return false;
+    Invalidate();
+    if (parser->GetVersion() <= kLegacyVersion)
+        return QorOldData::DataConverter::LoadIntersection(this, element, parser);
+    return IntersectionElement::LoadFromXMLElement(element, parser);
 }
 
 }  // namespace Orvia

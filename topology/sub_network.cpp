@@ -145,7 +145,20 @@ bool SubNetwork::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMPars
 void SubNetwork::MakeNamesUnique() {
     MakeRepeatedNamesUnique(m_Tracks);
     MakeRepeatedNamesUnique(m_JunctionTracks);
-    MakeRepeatedNamesUnique(m_Intersections);
+    if (HasRepeatedName(m_Intersections)) {
+        MakeRepeatedNamesUnique(m_Intersections);
+        // A renamed intersection renames every end that bore its old name, its namesake's too: a linked end
+        // names the intersection it is linked to.
+        for (const auto* list : {&m_Tracks, &m_JunctionTracks})
+            for (const auto& item : *list) {
+                auto* track = dynamic_cast<Track*>(item.Get());
+                if (!track) continue;
+                if (const Intersection* start = track->GetStartIntersection())
+                    track->SetStartIntersectionName(start->GetName());
+                if (const Intersection* end = track->GetEndIntersection())
+                    track->SetEndIntersectionName(end->GetName());
+            }
+    }
     MakeRepeatedNamesUnique(m_Profiles);
     MakeRepeatedNamesUnique(m_Markings);
     MakeRepeatedNamesUnique(m_Materials);
@@ -231,6 +244,8 @@ void SubNetwork::PostLoad(Network* network, [[maybe_unused]] const std::vector<s
         for (const auto& item : *list)
             if (auto* track = dynamic_cast<Track*>(item.Get())) track->PostLoad(this);
     PostLoadTrafficLightGroups();
+    for (const auto& item : m_Intersections)
+        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->Validate();
 }
 
 vek::Box3 SubNetwork::BuildBoundingBox() const {

@@ -216,6 +216,9 @@ bool Track::Validate() {
 void Track::Invalidate() {
     Axis::Invalidate();
     m_trackValid = false;
+    // The nodes' outlines follow the track's borders.
+    if (m_startIntersection) m_startIntersection->Invalidate();
+    if (m_endIntersection) m_endIntersection->Invalidate();
 }
 
 bool Track::ValidateAxis() {
@@ -385,17 +388,40 @@ void Track::SetName(const std::string& name) {
             }
         }
     }
+    // The nodes name the track in their banned links and outline anchors.
+    if (m_startIntersection) m_startIntersection->ReplaceTrackName(m_name, name);
+    if (m_endIntersection && m_endIntersection != m_startIntersection)
+        m_endIntersection->ReplaceTrackName(m_name, name);
     TrackElement::SetName(name);
 }
 
-// The default elevation runs between the two nodes' altitudes: a new node rebuilds it.
+// The default elevation runs between the two nodes' altitudes: a new node rebuilds it. Turning back into
+// the same track end is banned by default at the new node, and those bans leave the old one.
 void Track::SetStartIntersection(Intersection* intersection) {
+    if (intersection != m_startIntersection) {
+        if (m_startIntersection) m_startIntersection->UpdateBannedTrackSelfLinks(this, false, true);
+        if (intersection) intersection->UpdateBannedTrackSelfLinks(this, false, false);
+    }
+    LinkStart(intersection);
+}
+
+void Track::SetEndIntersection(Intersection* intersection) {
+    if (intersection != m_endIntersection) {
+        if (m_endIntersection) m_endIntersection->UpdateBannedTrackSelfLinks(this, true, true);
+        if (intersection) intersection->UpdateBannedTrackSelfLinks(this, true, false);
+    }
+    LinkEnd(intersection);
+}
+
+void Track::LinkStart(Intersection* intersection) {
+    if (m_startIntersection) m_startIntersection->Invalidate();
     m_startIntersection = intersection;
     m_StartIntersectionName = intersection ? intersection->GetName() : std::string();
     Invalidate();
 }
 
-void Track::SetEndIntersection(Intersection* intersection) {
+void Track::LinkEnd(Intersection* intersection) {
+    if (m_endIntersection) m_endIntersection->Invalidate();
     m_endIntersection = intersection;
     m_EndIntersectionName = intersection ? intersection->GetName() : std::string();
     Invalidate();
@@ -672,13 +698,13 @@ void Track::PostLoad(SubNetwork* subNetwork) {
     m_startIntersection = nullptr;
     m_endIntersection = nullptr;
     if (!subNetwork) return;
-    // An empty name is a free end, whatever an unnamed intersection may exist.
+    // An empty name is a free end, whatever an unnamed intersection may exist. The banned links were saved
+    // with the file: linking here leaves them as they are.
     if (!m_StartIntersectionName.empty())
         if (Intersection* start = subNetwork->GetIntersectionByName(m_StartIntersectionName))
-            SetStartIntersection(start);
+            LinkStart(start);
     if (!m_EndIntersectionName.empty())
-        if (Intersection* end = subNetwork->GetIntersectionByName(m_EndIntersectionName))
-            SetEndIntersection(end);
+        if (Intersection* end = subNetwork->GetIntersectionByName(m_EndIntersectionName)) LinkEnd(end);
     UpdatePortion();
 }
 

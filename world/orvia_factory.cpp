@@ -113,6 +113,7 @@ const std::vector<Entry>& Table() {
         Make<EntitiesGeneration>("EntitiesGeneration"),
         Make<ExternalEntity>("ExternalEntity"),
         Make<Link>("Link"),
+        Make<LanePair>("LanePair"),
         Make<ParkingLot>("ParkingLot"),
         Make<ParkingSpot>("ParkingSpot"),
         Make<CompositeObject>("CompositeObject"),

@@ -3,6 +3,7 @@
 // Reading of elements written by older format versions into the records that the current layout fills.
 
 #include <orvia/ruvex/dom.h>
+#include <orvia/ruvex/elements/intersection.h>
 #include <orvia/ruvex/elements/network.h>
 #include <orvia/ruvex/elements/portion.h>
 #include <orvia/ruvex/elements/profile.h>
@@ -29,6 +30,9 @@ public:
     // A <Track> of a document of version 2.1.0 or older; same contract as LoadClothoArc.
     static bool LoadTrack(Ruvex::TrackElement* record, Ruvex::IDOMElement* element,
                           Ruvex::IDOMParser* parser);
+    // An <Intersection> of a document of version 2.4.1 or older; same contract as LoadNetwork_v_2_2_2.
+    static bool LoadIntersection(Ruvex::IntersectionElement* record, Ruvex::IDOMElement* element,
+                                 Ruvex::IDOMParser* parser);
     // A <Portion> of a document older than 1.4.6; same contract as LoadClothoArc.
     static bool LoadPortion(Ruvex::PortionElement* record, Ruvex::IDOMElement* element,
                             Ruvex::IDOMParser* parser);

@@ -1,30 +1,180 @@
 #pragma once
 
-// The node where track extremities of one sub-network meet.
+// The node where track extremities of one sub-network meet, and the lane ends and lane pairs that name
+// connections through it.
 
 #include <orvia/ruvex/elements/intersection.h>
 #include <orvia/topology/connector.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace Orvia {
 
-// Tracks name the intersection at their ends; the intersection lists no tracks itself.
+class Lane;
+class Link;
+class MarkClippedData;
+class Network;
+class SubNetwork;
+
+// One end of one lane at a node: the lane `laneName` of the profile at the `atTrackEnd` extremity of track
+// `trackName` (the last portion's end profile at the end, the first portion's start profile at the start),
+// in the sub-network at position `subNetworkIndex` of the network's list (kNoSubNetwork when it is in none).
+struct LaneOnIntersectionData {
+    static constexpr uint64_t kNoSubNetwork = std::numeric_limits<uint64_t>::max();
+
+    std::string trackName;
+    bool atTrackEnd = false;
+    std::string laneName;
+    uint64_t subNetworkIndex = kNoSubNetwork;
+
+    LaneOnIntersectionData() = default;
+    LaneOnIntersectionData(std::string track, bool atEnd, std::string lane, uint64_t subNetwork)
+        : trackName(std::move(track)),
+          atTrackEnd(atEnd),
+          laneName(std::move(lane)),
+          subNetworkIndex(subNetwork) {}
+    bool operator==(const LaneOnIntersectionData&) const = default;
+
+    // The lane named, looked up in `network`; null when the sub-network index, the track, its portion, the
+    // profile or the lane is missing.
+    Lane* GetLane(Network* network) const;
+};
+
+// A lane connection from one lane end to another.
+using LaneConnection = std::pair<LaneOnIntersectionData, LaneOnIntersectionData>;
+
+// A lane connection as the file stores it: track, extremity word ("start" or "end") and lane of each side.
+// The sub-network index of its records is that of the sub-network it belongs to.
+class LanePair : public Ruvex::LanePairElement {
+public:
+    LanePair() = default;
+    explicit LanePair(SubNetwork* subNetwork) : m_subNetwork(subNetwork) {}
+    ~LanePair() override;
+
+    SubNetwork* GetInSubNetwork() const { return m_subNetwork; }
+    void SetInSubNetwork(SubNetwork* subNetwork) { m_subNetwork = subNetwork; }
+
+    void SetFrom(const LaneOnIntersectionData& from);
+    void GetFrom(LaneOnIntersectionData& from) const;
+    void SetTo(const LaneOnIntersectionData& to);
+    void GetTo(LaneOnIntersectionData& to) const;
+    // True exactly when the word is "end"; the setters write "end" or "start".
+    bool IsFromTrackEnd() const { return m_FromTrackBoundInfo == "end"; }
+    bool IsToTrackEnd() const { return m_ToTrackBoundInfo == "end"; }
+    void SetFromTrackEnd(bool atEnd);
+    void SetToTrackEnd(bool atEnd);
+    // All fields and the sub-network; nothing for null.
+    void CopyFrom(const LanePair* other);
+
+private:
+    SubNetwork* m_subNetwork = nullptr;
+};
+
+// Tracks name the intersection at their ends; the intersection lists no tracks itself, so everything that
+// gathers its extremities matches track ends by name. Lane pairs and contour pieces name tracks too.
 class Intersection : public Ruvex::IntersectionElement, public TrackConnector {
 public:
+    // Documents up to this version are read by the legacy converter.
+    static constexpr uint32_t kLegacyVersion = Ruvex::MakeVersionID(2, 4, 1);
+
     Intersection();
     explicit Intersection(SubNetwork* subNetwork);
     ~Intersection() override;
 
+    // --- Connector face ------------------------------------------------------------------------------------
     using TrackConnector::GetPosition;
     using TrackConnector::SetPosition;
+    SubNetwork* GetInSubNetwork() const override { return m_subNetwork; }
+    // Over the sub-network's tracks (nothing without one); sorted by SortTracks on request.
+    void GetTracksArroundConnector(std::vector<TrackExtremity>& out, bool sorted) const override;
     Ruvex::TrackConnectorElement* GetAsConnectionElement() override { return this; }
     const Ruvex::TrackConnectorElement* GetAsConnectionElement() const override { return this; }
+    void SetMaterial(const vek::Material& material) override;
+    void SetMaterial(Ruvex::MaterialElement* material) override;
+    // Nothing when valid; otherwise rebuilds the drawable contour.
+    bool Validate() override;
+    // Also makes the banned links the sub-network's.
+    void SetInSubNetwork(SubNetwork* subNetwork) override;
     Intersection* GetAsIntersection() override { return this; }
 
-    // Renames the intersection and, in its sub-network, every track end that named it by its old name, except
-    // ends linked to another intersection (one that bore the same name).
+    // --- Extremities ---------------------------------------------------------------------------------------
+    // `out` is cleared, then gets, for each track in order, (track, start) when its start-intersection name
+    // is this intersection's name, then (track, end) likewise. Nothing for a nameless intersection.
+    void BuildTrackArrayAroundIntersection(const std::vector<Track*>& tracks,
+                                           std::vector<TrackExtremity>& out) const;
+    // The same over the sub-network's tracks.
+    void BuildTrackArrayAroundIntersection(std::vector<TrackExtremity>& out) const;
+    // The gathered extremities in SortTracks order, with its angles.
+    void BuildOrganizedTrackArrayAroundIntersection(const std::vector<Track*>& tracks,
+                                                    std::vector<TrackExtremity>& out,
+                                                    std::vector<double>& angles) const;
+    // Drivable lanes of the extremity's profile (see IsDriveableLane); 0 without a profile.
+    size_t GetNumberOfDriveableLanes(const TrackExtremity& extremity) const;
+
+    // --- Candidate connections ----------------------------------------------------------------------------
+    // `out` is cleared, then gets every (a, b) that AreCompatibleLanes accepts, a running over the lanes of
+    // each gathered extremity in order and b over the lanes of every gathered extremity (a's own included).
+    // Banned links are not filtered here.
+    void ComputeAllConnections(std::vector<LaneConnection>& out) const;
+    // `out` is cleared, then gets the pairs of ComputeAllConnections, in that order, that are not banned
+    // (IsBannedLink) and that no lane pair of an explicit link (getLink) covers. These are the connections
+    // for which implicit links are built; the lane-links code relies on the order and on banned pairs being
+    // left out.
+    void GetNonlinkedLanesPairs(std::vector<LaneConnection>& out) const;
+
+    // --- Banned links
+    // ---------------------------------------------------------------------------------------
+    size_t GetBannedLinksCount() const { return m_BannedLinks.size(); }
+    // Null out of range (or for a plain record).
+    LanePair* GetBannedLink(size_t index) const;
+    // Appends an empty pair of this sub-network and returns it.
+    LanePair* AddBannedLink();
+    // True when a banned pair names exactly (from, to); the word "end" is a track end, any other a start,
+    // and the sub-network index is this intersection's sub-network's. No allocation.
+    bool IsBannedLink(const LaneOnIntersectionData& from, const LaneOnIntersectionData& to) const;
+    // Appends (from, to) unless already banned; true when appended.
+    bool BanLink(const LaneOnIntersectionData& from, const LaneOnIntersectionData& to);
+    // Removes every banned pair equal to (from, to); true when one was.
+    bool AllowLink(const LaneOnIntersectionData& from, const LaneOnIntersectionData& to);
+    // Bans every candidate connection (ComputeAllConnections) not yet banned.
+    void BanAllLinks();
+    void AllowAllLinks() { m_BannedLinks.clear(); }
+    // Adding (remove false): bans, within the profile at that extremity of `track`, every ordered pair of
+    // distinct lanes (i, j) where i suits vehicles and i is compatible with j: turning back into another
+    // lane of the same end is banned by default. Removing: erases every banned pair whose two sides name the
+    // track at that extremity. Nothing for null.
+    void UpdateBannedTrackSelfLinks(Track* track, bool atEnd, bool remove);
+
+    // --- Links and clipped data ----------------------------------------------------------------------------
+    // A new empty explicit link of this intersection, appended.
+    Link* createLink();
+    size_t getLinkCount() const { return m_Links.size(); }
+    // Null out of range (or for a plain record).
+    Link* getLink(size_t index) const;
+    size_t GetClippedDataCount() const { return m_ClippedData.size(); }
+    MarkClippedData* GetClippedData(size_t index) const;
+
+    // --- Names
+    // ---------------------------------------------------------------------------------------------- Renames
+    // the intersection and every track end of the sub-network that bore the old name.
     void SetName(const std::string& name) override;
+    // Banned pairs and contour-piece anchors naming the track `oldName` name `newName` instead.
+    void ReplaceTrackName(const std::string& oldName, const std::string& newName);
+
+    // The record is read by the legacy converter for documents up to kLegacyVersion.
+    bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
+
+private:
+    // A lane traffic can use through the node: of a drivable type, with a way (neither none nor both), wider
+    // than kMinDriveableWidth.
+    static bool IsDriveableLane(const Lane* lane);
+    // Narrower lanes (m) carry no traffic through a node.
+    static constexpr double kMinDriveableWidth = 1.0;
 };
 
 }  // namespace Orvia

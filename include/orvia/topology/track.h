@@ -113,10 +113,13 @@ public:
         SetInSubNetwork(subNetwork);
     }
 
-    // Renames the track and, in every road that lists it, the pieces that name it in its sub-network.
+    // Renames the track and, in every road that lists it, the pieces that name it in its sub-network, and in
+    // the intersections at its ends, the banned links and outline anchors that name it.
     void SetName(const std::string& name) override;
 
-    // Links an end to an intersection (null frees it) and stores the intersection's name ("" for null).
+    // Links an end to an intersection (null frees it) and stores the intersection's name ("" for null). When
+    // the intersection changes, the old one drops the default bans of this end and the new one adds them
+    // (Intersection::UpdateBannedTrackSelfLinks).
     void SetStartIntersection(Intersection* intersection);
     void SetEndIntersection(Intersection* intersection);
     Intersection* GetStartIntersection() const { return m_startIntersection; }
@@ -223,6 +226,9 @@ protected:
 
 private:
     void RefreshPortionView();
+    // Link an end without touching the nodes' banned links.
+    void LinkStart(Intersection* intersection);
+    void LinkEnd(Intersection* intersection);
     // The curve of the record when it has a piece, else the default (null before validation).
     CartesianCurve* Longitudinal(const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
                                  const Ruvex::CountedPtr<CartesianCurve>& fallback) const;
