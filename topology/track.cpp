@@ -208,6 +208,7 @@ bool Track::Validate() {
         }
         m_trackValid = true;
         SetBoundingMargin(m_maxWidth);
+        AttachClippedData();
     }
     if (!axisWasValid || !IsBoundingBoxValid()) BuildBoundingBox();
     return true;
@@ -216,6 +217,7 @@ bool Track::Validate() {
 void Track::Invalidate() {
     Axis::Invalidate();
     m_trackValid = false;
+    InvalidateClippedData();
     // The nodes' outlines follow the track's borders.
     if (m_startIntersection) m_startIntersection->Invalidate();
     if (m_endIntersection) m_endIntersection->Invalidate();
@@ -706,6 +708,7 @@ void Track::PostLoad(SubNetwork* subNetwork) {
     if (!m_EndIntersectionName.empty())
         if (Intersection* end = subNetwork->GetIntersectionByName(m_EndIntersectionName)) LinkEnd(end);
     UpdatePortion();
+    AttachClippedData();
 }
 
 bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
@@ -716,6 +719,7 @@ bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* p
     m_SZCurvatureCurve = nullptr;
     m_Portions.clear();
     m_portions.clear();
+    m_ClippedData.clear();
     ClearUserData();
     Invalidate();
     const uint32_t version = parser->GetVersion();
