@@ -389,9 +389,9 @@ void SubNetwork::AddMaterial(Ruvex::MaterialElement* material) {
 
 Ruvex::MaterialElement* SubNetwork::GetOrCreateMaterial(const Ruvex::MaterialElement* material) {
     if (!material) return nullptr;
+    if (const size_t held = GetMaterialIndex(material); held != npos) return GetMaterial(held);
     for (size_t i = 0; i < m_Materials.size(); ++i)
-        if (Ruvex::MaterialElement* existing = GetMaterial(i);
-            existing && (existing == material || SameContent(*existing, *material)))
+        if (Ruvex::MaterialElement* existing = GetMaterial(i); existing && SameContent(*existing, *material))
             return existing;
     Ruvex::CountedPtr<Ruvex::Element> copy(CloneElement(*material));
     auto* made = dynamic_cast<Ruvex::MaterialElement*>(copy.Get());

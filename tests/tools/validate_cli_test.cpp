@@ -106,3 +106,20 @@ TEST_F(ValidateCommand, RailNamesAndUnreadableFiles) {
     EXPECT_EQ(missing.status, 1);
     EXPECT_NE(missing.err, "");
 }
+
+TEST_F(ValidateCommand, ClippedDataOnNoTrackAndLoneJunctionExit) {
+    const std::string file =
+        Write("model.xml", R"(<Ruvex version="2.5"><Network><SubNetworks><SubNetwork name="A">
+<ClippedDatas>
+  <TrackClippedData name="Orphan"/></ClippedDatas>
+<Tracks><Track name="T"/></Tracks></SubNetwork></SubNetworks>
+<SubNetworkJunctions><SubNetworkJunction name="Lonely"><SubNetworkExit subNetwork="A" track="T"/></SubNetworkJunction>
+</SubNetworkJunctions></Network></Ruvex>)");
+    const CommandRun run = Run("'" + file + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out.rfind(file + ":3:4: ", 0), 0u) << run.out;
+    EXPECT_NE(run.out.find("\"Orphan\" lies on no track"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find(file + ":5:23: sub-network junction \"Lonely\" has fewer than two exits"),
+              std::string::npos)
+        << run.out;
+}
