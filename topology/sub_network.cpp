@@ -4,9 +4,12 @@
 #include <orvia/core/network.h>
 #include <orvia/core/unique_name.h>
 #include <orvia/geometry/profile.h>
+#include <orvia/topology/clipped_data.h>
 #include <orvia/topology/intersection.h>
+#include <orvia/topology/linear_object.h>
 #include <orvia/topology/road.h>
 #include <orvia/topology/track.h>
+#include <orvia/topology/trajectory.h>
 
 namespace Orvia {
 
@@ -121,20 +124,6 @@ size_t SubNetwork::GetIntersectionIndex(const Intersection* intersection) const 
 
 Intersection* SubNetwork::GetIntersectionByName(const std::string& name) const {
     return Named<Intersection>(m_Intersections, name);
-}
-
-void SubNetwork::GetTracksArroundIntersection(const Intersection* intersection,
-                                              std::vector<TrackExtremity>& out, bool sorted) const {
-    out.clear();
-    if (!intersection) return;
-    std::vector<Track*> tracks;
-    tracks.reserve(m_Tracks.size());
-    for (const auto& item : m_Tracks)
-        tracks.push_back(dynamic_cast<Track*>(item.Get()));
-    intersection->BuildTrackArrayAroundIntersection(tracks, out);
-    if (!sorted) return;
-    std::vector<double> angles;
-    intersection->SortTracks(out, angles);
 }
 
 std::string SubNetwork::GetUniqueIntersectionName(const std::string& requested) const {
@@ -320,19 +309,64 @@ void SubNetwork::PostLoad(Network* network, [[maybe_unused]] const std::vector<s
     m_network = network;
     for (const auto& item : m_Markings)
         if (auto* marking = dynamic_cast<Marking*>(item.Get())) marking->PostLoad(m_Materials);
+    for (const auto& item : m_Intersections)
+        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);
     for (const auto& item : m_Profiles)
         if (auto* profile = dynamic_cast<Profile*>(item.Get())) {
             profile->SetParentSubNetwork(this);
             profile->PostLoad(m_Markings, m_Grounds, m_Materials);
         }
-    for (const auto& item : m_Intersections)
-        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);
     for (const auto* list : {&m_Tracks, &m_JunctionTracks})
         for (const auto& item : *list)
             if (auto* track = dynamic_cast<Track*>(item.Get())) track->PostLoad(this);
+    for (const auto& item : m_TrajectoryParts)
+        if (auto* part = dynamic_cast<TrajectoryPart*>(item.Get())) part->SetInSubNetwork(this);
+    for (const auto& item : m_Trajectories)
+        if (auto* trajectory = dynamic_cast<Trajectory*>(item.Get())) trajectory->PostLoad(this);
     PostLoadTrafficLightGroups();
-    for (const auto& item : m_Intersections)
-        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->Validate();
+    auto attach = [this](Ruvex::Element* item) {
+        auto* data = dynamic_cast<ClippedData*>(item);
+        if (!data) return;
+        data->SetInSubNetwork(this);
+        if (auto* mark = dynamic_cast<MarkClippedData*>(data)) mark->SetParent(this);
+        if (LinearObject* linear = data->GetLinearObject()) linear->SetClippedData(data);
+    };
+    for (const auto& item : m_ClippedDatas)
+        attach(item.Get());
+    for (const auto& item : m_MarkClippedData)
+        attach(item.Get());
+    for (const auto& item : m_Intersections) {
+        auto* intersection = dynamic_cast<Intersection*>(item.Get());
+        if (!intersection) continue;
+        intersection->Validate();
+        for (size_t i = 0; i < intersection->GetClippedDataCount(); ++i)
+            if (MarkClippedData* mark = intersection->GetClippedData(i)) {
+                mark->SetInSubNetwork(this);
+                mark->SetParent(intersection);
+                if (LinearObject* linear = mark->GetLinearObject()) linear->SetClippedData(mark);
+            }
+    }
+}
+
+void SubNetwork::SetName(const std::string& name) {
+    if (name == GetName()) return;
+    SubNetworkElement::SetName(name);
+    std::vector<ClippedData*> all;
+    GetClippedDataArray(all);
+    for (ClippedData* data : all)
+        if (data->GetInSubNetwork() == this) data->UpdateQualifiedName();
+}
+
+bool SubNetwork::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {
+    if (!SubNetworkElement::LoadChild(child, parser)) return false;
+    if (child->GetTagName() == "ClippedDatas")
+        for (Ruvex::IDOMElement* item = child->GetFirstChild(); item; item = item->GetNextSibling())
+            if (std::string name; item->GetTagName() == "TrackClippedData") {
+                item->GetAttribute("name", name);
+                parser->ReportWarning(
+                    item, "track clipped data \"" + name + "\" lies on no track; kept as written");
+            }
+    return true;
 }
 
 vek::Box3 SubNetwork::BuildBoundingBox() const {

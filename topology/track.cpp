@@ -233,6 +233,7 @@ bool Track::Validate() {
         }
         m_trackValid = true;
         SetBoundingMargin(m_maxWidth);
+        AttachClippedData();
     }
     if (!axisWasValid || !IsBoundingBoxValid()) BuildBoundingBox();
     return true;
@@ -241,6 +242,7 @@ bool Track::Validate() {
 void Track::Invalidate() {
     Axis::Invalidate();
     m_trackValid = false;
+    InvalidateClippedData();
     // The nodes' outlines follow the track's borders.
     if (m_startIntersection) m_startIntersection->Invalidate();
     if (m_endIntersection) m_endIntersection->Invalidate();
@@ -791,6 +793,7 @@ void Track::PostLoad(SubNetwork* subNetwork) {
         m_endIntersection = subNetwork->GetIntersectionByName(m_EndIntersectionName);
     Invalidate();
     UpdatePortion();
+    AttachClippedData();
 }
 
 bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
@@ -801,6 +804,7 @@ bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* p
     m_SZCurvatureCurve = nullptr;
     m_Portions.clear();
     m_portions.clear();
+    m_ClippedData.clear();
     ClearUserData();
     Invalidate();
     const uint32_t version = parser->GetVersion();

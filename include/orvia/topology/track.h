@@ -16,6 +16,7 @@
 namespace Orvia {
 
 class CartesianCurve;
+class ClippedData;
 class Curve2D;
 class Intersection;
 class Lane;
@@ -26,6 +27,7 @@ class Road;
 class SubNetwork;
 class SubNetworkJunction;
 class Track;
+class TrackClippedData;
 class TrackConnector;
 
 // One end of a track: the start (abscissa 0) or the end (abscissa = axis length).
@@ -222,6 +224,22 @@ public:
     // InvertPortionsProfiles(keepWay, true, true).
     void InvertTrack(bool keepWay);
 
+    // --- Clipped data
+    // ----------------------------------------------------------------------------------------
+    // Appends `data` (null ignored): it takes this track as parent and the track's sub-network.
+    void AddClippedData(TrackClippedData* data);
+    // Removes `count` entries from `first` (clipped to the list); each forgets its track and sub-network.
+    // False when `first` is out of range.
+    bool RemoveClippedData(size_t first, size_t count);
+    using TrackElement::GetClippedData;
+    size_t GetClippedDataCount() const { return m_ClippedData.size(); }
+    // Null out of range (or for a plain record).
+    TrackClippedData* GetClippedData(size_t index) const;
+    // npos when absent.
+    size_t GetClippedDataIndex(const ClippedData* data) const;
+    // The first entry named `name` exactly, or null.
+    TrackClippedData* GetClippedDataByName(const char* name) const;
+
     // A copy with no sub-network (count 0; the caller owns it).
     Track* Clone() const;
     void CopyFrom(const Track* other);
@@ -254,6 +272,9 @@ private:
     void RefreshCurveViews();
     // Warns about (and mends) portion ends that do not tile the axis; see the definition.
     void CheckPortionDistances(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
+    // Each clipped data entry takes this track and its sub-network and validates (post-load and validation).
+    void AttachClippedData();
+    void InvalidateClippedData();
     // The curve of the record when it has a piece, else the default (null before validation).
     CartesianCurve* Longitudinal(const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
                                  const CurveView<CartesianCurve, Ruvex::CartesianCurveElement>& view,
