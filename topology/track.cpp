@@ -209,7 +209,8 @@ bool Track::Validate() {
         m_trackValid = true;
         SetBoundingMargin(m_maxWidth);
     }
-    if (!axisWasValid || !IsBoundingBoxValid()) BuildBoundingBox();
+    // The box samples every piece a hundred times: built on its first query, not at every load.
+    if (!axisWasValid) InvalidateBoundingBox();
     return true;
 }
 
