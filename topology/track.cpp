@@ -235,7 +235,8 @@ bool Track::Validate() {
         SetBoundingMargin(m_maxWidth);
         AttachClippedData();
     }
-    if (!axisWasValid || !IsBoundingBoxValid()) BuildBoundingBox();
+    // The box samples every piece a hundred times: built on its first query, not at every load.
+    if (!axisWasValid) InvalidateBoundingBox();
     return true;
 }
 

@@ -151,7 +151,8 @@ public:
     void SetCurvatureCurveMeasureStep(double step) { m_curvatureStep = step; }
     double GetCurvatureCurveMeasureStep() const { return m_curvatureStep; }
 
-    // Box of the axis in the sub-network's frame (as of the last validation); empty without geometry.
+    // Box of the axis in the sub-network's frame; empty without geometry. Built on the first call after a
+    // load or an edit (which writes the cached box: not for concurrent first calls).
     vek::Box3 GetBoundingBox() const;
 
     // --- Portions ------------------------------------------------------------------------------------------
