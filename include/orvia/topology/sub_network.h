@@ -64,8 +64,8 @@ public:
     std::string GetUniqueTrackName(const std::string& requested) const;
     // Appends a new track of this sub-network named GetUniqueTrackName(requested).
     Track* CreateTrack(const std::string& requested);
-    // Junction tracks read from a file (ways laid inside sub-network junctions); CreateTrackInJunction, below,
-    // makes derived ones that are not saved.
+    // Junction tracks read from a file (ways laid inside sub-network junctions); CreateTrackInJunction,
+    // below, makes derived ones that are not saved.
     size_t GetJunctionTrackCount() const { return m_JunctionTracks.size(); }
     Track* GetJunctionTrack(size_t index) const;
     // Unlinks the track from its intersections (their default bans go), removes its exit from every
