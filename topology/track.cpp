@@ -276,6 +276,9 @@ bool Track::ValidateAxis() {
 }
 
 void Track::InvertAxis() {
+    // The nodes' records see the track from its other end now.
+    InvertTrackAnchorInfo(m_startIntersection);
+    if (m_endIntersection != m_startIntersection) InvertTrackAnchorInfo(m_endIntersection);
     InvertCurves();
     std::swap(m_startIntersection, m_endIntersection);
     std::swap(m_StartIntersectionName, m_EndIntersectionName);
@@ -462,8 +465,58 @@ bool Track::GetWidthAt(double s, double& left, double& right) const {
     return true;
 }
 
+namespace {
+
+// What an intersection's record says of a track by name: its contour anchors and its banned links.
+void ReplaceTrackName(Ruvex::IntersectionElement& intersection, const std::string& from,
+                      const std::string& to) {
+    for (const auto& piece : intersection.GetContourPieces()) {
+        if (!piece) continue;
+        if (piece->GetStartAnchorTrack() == from) piece->SetStartAnchorTrack(to);
+        if (piece->GetEndAnchorTrack() == from) piece->SetEndAnchorTrack(to);
+    }
+    for (const auto& pair : intersection.GetBannedLinks()) {
+        if (!pair) continue;
+        if (pair->GetFromTrack() == from) pair->SetFromTrack(to);
+        if (pair->GetToTrack() == from) pair->SetToTrack(to);
+    }
+}
+
+const char* OtherExtremity(const std::string& word) {
+    return word == "start" ? "end" : (word == "end" ? "start" : nullptr);
+}
+
+}  // namespace
+
+void Track::InvertTrackAnchorInfo(Intersection* intersection) {
+    if (!intersection) return;
+    for (const auto& piece : intersection->GetContourPieces()) {
+        if (!piece) continue;
+        if (piece->GetStartAnchorTrack() == m_name) {
+            piece->SetStartAnchorOnTrackEnd(!piece->GetStartAnchorOnTrackEnd());
+            piece->SetStartAnchorOnLeftSide(!piece->GetStartAnchorOnLeftSide());
+        }
+        if (piece->GetEndAnchorTrack() == m_name) {
+            piece->SetEndAnchorOnTrackEnd(!piece->GetEndAnchorOnTrackEnd());
+            piece->SetEndAnchorOnLeftSide(!piece->GetEndAnchorOnLeftSide());
+        }
+    }
+    for (const auto& pair : intersection->GetBannedLinks()) {
+        if (!pair) continue;
+        if (const char* word = OtherExtremity(pair->GetFromTrackBoundInfo());
+            word && pair->GetFromTrack() == m_name)
+            pair->SetFromTrackBoundInfo(word);
+        if (const char* word = OtherExtremity(pair->GetToTrackBoundInfo());
+            word && pair->GetToTrack() == m_name)
+            pair->SetToTrackBoundInfo(word);
+    }
+}
+
 void Track::SetName(const std::string& name) {
     if (name == m_name) return;
+    if (m_startIntersection) ReplaceTrackName(*m_startIntersection, m_name, name);
+    if (m_endIntersection && m_endIntersection != m_startIntersection)
+        ReplaceTrackName(*m_endIntersection, m_name, name);
     if (Network* network = GetNetwork()) {
         const std::string& subNetworkName = m_subNetwork->GetName();
         for (uint64_t roadIndex : m_inRoad) {

@@ -525,3 +525,40 @@ TEST(Track, BadPortionsLoadWithPlacedWarnings) {
         EXPECT_EQ(right, 7);
     }
 }
+
+TEST(Track, RenamingAndInversionReachTheIntersectionRecords) {
+    CountedPtr<Network> network = LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + R"(</Profiles>
+<Intersections><Intersection name="P" x="0" y="0" z="0"/><Intersection name="Q" x="60" y="0" z="0">
+<Contours><ContourPiece startAnchorTrack="T" isStartAnchorOnTrackEnd="true" isStartAnchorOnLeftSide="true"
+ endAnchorTrack="U" isEndAnchorOnTrackEnd="false" isEndAnchorOnLeftSide="false"/></Contours>
+<BannedLinks><LanePair fromTrack="T" fromTrackBoundInfo="end" fromLane="c" toTrack="U" toTrackBoundInfo="start"
+ toLane="c"/></BannedLinks></Intersection></Intersections>
+<Tracks><Track name="T" startIntersectionName="P" endIntersectionName="Q"><XYCurve><Segment length="60"/></XYCurve>
+<Portion endDistance="60" startProfileName="A" endProfileName="A"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Track* track = s->GetTrackByName("T");
+    const Orvia::Intersection* q = s->GetIntersectionByName("Q");
+    const auto& piece = *q->GetContourPieces().at(0);
+    const auto& banned = *q->GetBannedLinks().at(0);
+
+    track->SetName("T2");
+    EXPECT_EQ(piece.GetStartAnchorTrack(), "T2");
+    EXPECT_EQ(piece.GetEndAnchorTrack(), "U");
+    EXPECT_EQ(banned.GetFromTrack(), "T2");
+    EXPECT_EQ(banned.GetToTrack(), "U");
+
+    // Reversed, the anchor lies on the track's start and right side; the banned link leaves from its start.
+    track->InvertTrack(true);
+    EXPECT_EQ(track->GetStartIntersectionName(), "Q");
+    EXPECT_FALSE(piece.GetStartAnchorOnTrackEnd());
+    EXPECT_FALSE(piece.GetStartAnchorOnLeftSide());
+    EXPECT_FALSE(piece.GetEndAnchorOnTrackEnd());  // U's anchor is not this track's
+    EXPECT_EQ(banned.GetFromTrackBoundInfo(), "start");
+    EXPECT_EQ(banned.GetToTrackBoundInfo(), "start");
+    track->InvertTrack(true);
+    EXPECT_TRUE(piece.GetStartAnchorOnTrackEnd());
+    EXPECT_TRUE(piece.GetStartAnchorOnLeftSide());
+    EXPECT_EQ(banned.GetFromTrackBoundInfo(), "end");
+    track->InvertTrackAnchorInfo(nullptr);
+}

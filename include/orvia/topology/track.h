@@ -97,7 +97,8 @@ public:
     void Invalidate() override;
     // Chains the horizontal pieces and builds the default curves; false without a horizontal piece.
     bool ValidateAxis() override;
-    // Runs the axis backwards: the curves (Axis::InvertCurves) and the two ends swap (names and links).
+    // Runs the axis backwards: the curves (Axis::InvertCurves) and the two ends swap (names and links), the
+    // intersections' anchors and banned links following (InvertTrackAnchorInfo).
     void InvertAxis() override;
     // A copy of the track (Clone).
     Axis* CloneAxis() const override;
@@ -115,8 +116,13 @@ public:
         SetInSubNetwork(subNetwork);
     }
 
-    // Renames the track and, in every road that lists it, the pieces that name it in its sub-network.
+    // Renames the track and, in every road that lists it, the pieces that name it in its sub-network; the
+    // intersections at its ends rename it in their contour anchors and banned links.
     void SetName(const std::string& name) override;
+    // For `intersection`'s records that name this track: each contour anchor on it moves to the other end
+    // and side (both flags negated) and each banned link's extremity word swaps ("start" <-> "end"), as when
+    // the track runs backwards. InvertAxis does it for the intersections at both ends. Nothing for null.
+    void InvertTrackAnchorInfo(Intersection* intersection);
 
     // Links an end to an intersection (null frees it) and stores the intersection's name ("" for null);
     // nothing when that intersection is already linked there.
