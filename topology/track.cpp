@@ -5,6 +5,7 @@
 #include <orvia/geometry/cartesian_curve.h>
 #include <orvia/geometry/curve2d.h>
 #include <orvia/geometry/profile.h>
+#include <orvia/ruvex/elements/misc.h>
 #include <orvia/ruvex/factory.h>
 #include <orvia/topology/connector.h>
 #include <orvia/topology/intersection.h>
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 #include <typeinfo>
 
@@ -825,7 +827,49 @@ void Track::PostLoad(SubNetwork* subNetwork) {
     if (!m_EndIntersectionName.empty())
         if (Intersection* end = subNetwork->GetIntersectionByName(m_EndIntersectionName))
             SetEndIntersection(end);
+    if (!m_startIntersection && !m_endIntersection) LinkByLegacyIndices();
     UpdatePortion();
+}
+
+namespace {
+
+// The index an older file's "Legacy" record gives in `attribute`; -1 when absent or not a number.
+int64_t LegacyIndex(const Ruvex::Element& record, std::string_view attribute) {
+    if (const auto* typed = dynamic_cast<const Ruvex::LegacyElement*>(&record))
+        return attribute == "firstIndex" ? typed->GetFirstIndex() : typed->GetSecondIndex();
+    const Ruvex::PreservedContent* content = record.GetPreserved();
+    if (!content) return -1;
+    for (const Ruvex::PreservedAttribute& a : content->attributes)
+        if (a.name == attribute) {
+            char* end = nullptr;
+            const long long value = std::strtoll(a.value.c_str(), &end, 10);
+            return end && *end == '\0' && end != a.value.c_str() ? value : -1;
+        }
+    return -1;
+}
+
+}  // namespace
+
+// Files written before ends were named gave the positions of the two intersections in the sub-network's list,
+// in a "Legacy" child that no class takes: it is read once and dropped.
+void Track::LinkByLegacyIndices() {
+    const Ruvex::PreservedContent* content = GetPreserved();
+    if (!content || !m_subNetwork) return;
+    for (size_t i = 0; i < content->nodes.size(); ++i) {
+        const Ruvex::Element* record = content->nodes[i].element.Get();
+        if (content->nodes[i].kind != Ruvex::NodeKind::Element || !record || record->GetTagName() != "Legacy")
+            continue;
+        const size_t count = m_subNetwork->GetIntersectionCount();
+        const int64_t first = LegacyIndex(*record, "firstIndex");
+        const int64_t second = LegacyIndex(*record, "secondIndex");
+        if (first >= 0 && static_cast<uint64_t>(first) < count)
+            SetStartIntersection(m_subNetwork->GetIntersectionByIndex(static_cast<size_t>(first)));
+        if (second >= 0 && static_cast<uint64_t>(second) < count)
+            SetEndIntersection(m_subNetwork->GetIntersectionByIndex(static_cast<size_t>(second)));
+        auto& nodes = EditPreserved().nodes;
+        nodes.erase(nodes.begin() + static_cast<std::ptrdiff_t>(i));
+        return;
+    }
 }
 
 bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {

@@ -562,3 +562,27 @@ TEST(Track, RenamingAndInversionReachTheIntersectionRecords) {
     EXPECT_EQ(banned.GetFromTrackBoundInfo(), "end");
     track->InvertTrackAnchorInfo(nullptr);
 }
+
+TEST(Track, LegacyIndicesLinkEndsNamesCannot) {
+    const std::string nodes = R"(<Intersections><Intersection name="I0"/><Intersection name="I1"/>
+<Intersection name="I2"/><Intersection name="I3"/></Intersections>)";
+    const std::string track =
+        R"(<XYCurve><Segment length="10"/></XYCurve><Legacy firstIndex="2" secondIndex="5"/>)";
+    CountedPtr<Network> network = LoadNetwork(
+        nodes + R"(<Tracks><Track name="T" startIntersectionName="X" endIntersectionName="Y">)" + track +
+        R"(</Track><Track name="N" startIntersectionName="I1">)" + track + "</Track></Tracks>");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    // Index 5 is out of range: the end stays free. The record is read once and not kept.
+    const Track* t = s->GetTrackByName("T");
+    EXPECT_EQ(t->GetStartIntersection(), s->GetIntersectionByName("I2"));
+    EXPECT_EQ(t->GetStartIntersectionName(), "I2");
+    EXPECT_EQ(t->GetEndIntersection(), nullptr);
+    EXPECT_TRUE(!t->GetPreserved() || t->GetPreserved()->nodes.empty());
+    // A track linked by name keeps its record and ignores it.
+    const Track* n = s->GetTrackByName("N");
+    EXPECT_EQ(n->GetStartIntersection(), s->GetIntersectionByName("I1"));
+    EXPECT_EQ(n->GetEndIntersection(), nullptr);
+    ASSERT_TRUE(n->GetPreserved());
+    EXPECT_EQ(n->GetPreserved()->nodes.size(), 1u);
+}

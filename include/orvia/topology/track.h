@@ -230,8 +230,9 @@ public:
     void CopyFrom(const Track* other);
 
     // After loading: stores the sub-network, empties the in-road list (roads register again), links each
-    // end to the sub-network's intersection of the stored name (an unknown name leaves that end free),
-    // post-loads the portions and validates.
+    // end to the sub-network's intersection of the stored name (an unknown name leaves that end free); when
+    // neither end is linked, an older file's "Legacy" child (intersection positions "firstIndex" and
+    // "secondIndex") links the ends in range and is dropped; then post-loads the portions and validates.
     void PostLoad(SubNetwork* subNetwork);
 
     // The record is cleared first; documents up to kLegacyVersion go through the legacy converter, and the
@@ -255,6 +256,7 @@ private:
 
     void RefreshPortionView();
     void RefreshCurveViews();
+    void LinkByLegacyIndices();
     // Warns about (and mends) portion ends that do not tile the axis; see the definition.
     void CheckPortionDistances(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
     // The curve of the record when it has a piece, else the default (null before validation).
