@@ -637,6 +637,11 @@ bool Track::ModifyPortion(size_t index, double s) {
     return true;
 }
 
+bool Track::ModifyPortion(size_t index, bool atStart, double s) {
+    if (!atStart) return ModifyPortion(index, s);
+    return index > 0 && index < m_portions.size() && ModifyPortion(index - 1, s);
+}
+
 bool Track::RemovePortion(size_t first, size_t count) {
     if (first >= m_Portions.size()) return false;
     const size_t last = std::min(m_Portions.size(), first + std::min(count, m_Portions.size()));

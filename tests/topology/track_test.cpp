@@ -586,3 +586,67 @@ TEST(Track, LegacyIndicesLinkEndsNamesCannot) {
     ASSERT_TRUE(n->GetPreserved());
     EXPECT_EQ(n->GetPreserved()->nodes.size(), 1u);
 }
+
+TEST(Track, VersionGatesReadTheSameTrack) {
+    // 2.1.0 and older go through the legacy converter, portions older than 1.4.6 too; every one of these is
+    // older than the banking sign gate.
+    CountedPtr<Network> reference = LoadNetwork(kStraight, "2.4", "2");
+    ASSERT_TRUE(reference);
+    const Track* expected = reference->GetSubNetwork(0)->GetTrack(0);
+    for (const auto& [version, revision] :
+         {std::pair{"2.1", "0"}, {"2.1", "1"}, {"1.4", "5"}, {"1.4", "6"}}) {
+        CountedPtr<Network> network = LoadNetwork(kStraight, version, revision);
+        ASSERT_TRUE(network) << version << "." << revision;
+        const Track* track = network->GetSubNetwork(0)->GetTrack(0);
+        EXPECT_DOUBLE_EQ(track->GetBanking(50), -0.1) << version << "." << revision;
+        ASSERT_EQ(track->GetPortionCount(), 2u);
+        for (double s : {0.0, 20.0, 70.0})
+            for (double t : {-2.0, 4.0}) {
+                vek::Mark a, b;
+                ASSERT_TRUE(expected->GetMark(a, s, t));
+                ASSERT_TRUE(track->GetMark(b, s, t));
+                EXPECT_EQ(a, b) << version << "." << revision << " s=" << s << " t=" << t;
+            }
+    }
+}
+
+TEST(Track, PortionEdits) {
+    CountedPtr<Network> network = LoadNetwork(kStraight);
+    Track* track = network->GetSubNetwork(0)->GetTrackByName("T");
+    CountedPtr<Track> original(track->Clone());
+    original->SetSubNetwork(track->GetSubNetwork());
+    original->UpdatePortion();
+    auto ends = [&] {
+        std::vector<double> out;
+        for (size_t i = 0; i < track->GetPortionCount(); ++i)
+            out.push_back(track->GetPortion(i)->GetEndDistance());
+        return out;
+    };
+    // Cutting the B -> B portion changes no mark; only strictly inside a portion.
+    EXPECT_FALSE(track->SplitPortion(40));
+    EXPECT_FALSE(track->SplitPortion(100));
+    EXPECT_FALSE(track->SplitPortion(-1));
+    ASSERT_TRUE(track->SplitPortion(70));
+    EXPECT_EQ(ends(), (std::vector<double>{40, 70, 100}));
+    EXPECT_EQ(track->GetPortion(2)->GetStartProfileName(), "B");
+    for (double s : {10.0, 45.0, 69.0, 70.0, 71.0, 99.0})
+        for (double t : {-2.0, 1.0, 5.0}) {
+            vek::Mark a, b;
+            ASSERT_TRUE(original->GetMark(a, s, t));
+            ASSERT_TRUE(track->GetMark(b, s, t));
+            EXPECT_EQ(a, b) << s << " " << t;
+        }
+    // An end moves within its neighbours; the last one stays.
+    EXPECT_TRUE(track->ModifyPortion(0, 55));
+    EXPECT_EQ(ends(), (std::vector<double>{55, 70, 100}));
+    EXPECT_TRUE(track->ModifyPortion(1, true, 90));
+    EXPECT_EQ(ends(), (std::vector<double>{70, 70, 100}));
+    EXPECT_TRUE(track->ModifyPortion(1, false, -5));
+    EXPECT_EQ(ends(), (std::vector<double>{70, 70, 100}));
+    EXPECT_FALSE(track->ModifyPortion(0, true, 10));
+    EXPECT_FALSE(track->ModifyPortion(2, 50));
+    EXPECT_FALSE(track->ModifyPortion(0, std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_FALSE(track->RemovePortion(3, 1));
+    EXPECT_TRUE(track->RemovePortion(1, 10));
+    EXPECT_EQ(ends(), (std::vector<double>{70}));
+}

@@ -179,6 +179,9 @@ public:
     // Moves the end of portion `index` to s, kept between its start and the next portion's end (the last
     // portion's end stays at the track's length); false for a bad index or a non-finite s.
     bool ModifyPortion(size_t index, double s);
+    // The same for the portion's start (atStart; the end of the portion before it, false for the first
+    // portion) or its end.
+    bool ModifyPortion(size_t index, bool atStart, double s);
     // Removes `count` portions from `first`; false when first is out of range.
     bool RemovePortion(size_t first, size_t count);
     // Rebuilds the typed view and post-loads every portion again.
