@@ -386,16 +386,8 @@ double Track::GetPortionStart(size_t index) const {
 }
 
 bool Track::GetMark(vek::Mark& mark, double s, const double& t) const {
-    // The curves and portions of a track are seldom in cache: the first loads of every look-up are asked for
-    // at once, and every look-up comes before the horizontal sampling, so that their waits overlap.
-    if (const Curve2D* curve = Viewed<Curve2D>(m_XYCurve, m_xyView)) __builtin_prefetch(curve->LookUpData());
-    if (const CartesianCurve* curve = Viewed<CartesianCurve>(m_SZCurve, m_szView))
-        __builtin_prefetch(curve->LookUpData());
-    if (t != 0) {
-        if (const CartesianCurve* curve = Viewed<CartesianCurve>(m_BankingCurve, m_bankingView))
-            __builtin_prefetch(curve->LookUpData());
-        if (!m_Portions.empty()) __builtin_prefetch(m_Portions[m_Portions.size() / 2].Get());
-    }
+    // Every look-up comes before the horizontal sampling: their loads then overlap with it instead of waiting
+    // for it (the curves and portions of a track are seldom in cache).
     const Curve2D* xy = GetXYCurve();
     if (!xy) return false;
     const CartesianCurve* sz = GetSZCurve();

@@ -59,8 +59,6 @@ public:
     // Changes made through it are seen at once (call Validate() to reconnect the neighbours).
     PolynomialFunction* GetEditableFunction(size_t index);
     size_t GetFunctionCount() const { return m_pieces.size(); }
-    // Where the look-ups of a value start, for a caller that prefetches it (the address alone: nothing read).
-    const void* LookUpData() const { return &m_pieces; }
     // Pointer comparison; npos when absent.
     size_t GetFunctionIndex(const PolynomialFunction* function) const;
     // The piece holding x: the first piece before the curve, the last one after it; null when empty.

@@ -78,9 +78,6 @@ public:
     // Null beyond the count.
     ParametricFunction* GetFunction(size_t index) const;
     size_t GetFunctionCount() const { return m_records.size(); }
-    // Where the look-ups of a sample start, for a caller that prefetches it (the address alone: nothing
-    // read).
-    const void* LookUpData() const { return &m_records; }
     // Position of the piece (pointer comparison), npos when absent.
     size_t GetFunctionIndex(const ParametricFunction* function) const;
     // The piece holding s and its start abscissa: npos for an empty curve, and npos with startAbscissa = the
