@@ -5,12 +5,14 @@
 #include <benchmark/benchmark.h>
 
 #include "network_generator.h"
+#include "sin_cos_floor.h"
 
 #include <orvia/core/network.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <random>
 #include <vector>
@@ -21,6 +23,17 @@ struct Query {
     const Orvia::Track* track;
     double s, t;
 };
+
+using Clock = std::chrono::steady_clock;
+
+// Items per second, and cost_vs_floor: one query's time in floor steps (sin + cos, see sin_cos_floor.h)
+// measured in the same run, which holds on a loaded machine where the rate does not.
+void ReportAgainstFloor(benchmark::State& state, Clock::time_point start) {
+    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    const double items = static_cast<double>(state.iterations());
+    state.SetItemsProcessed(state.iterations());
+    state.counters["cost_vs_floor"] = seconds / items / bench::FloorSecondsPerStep();
+}
 
 // A smaller city than the load benchmarks': the queries need variety, not volume.
 const std::vector<Query>& Queries() {
@@ -61,13 +74,15 @@ void BM_TrackGetMark(benchmark::State& state) {
     const size_t mask = 4095;
     size_t i = 0;
     vek::Mark mark;
+    bench::FloorSecondsPerStep();
+    const Clock::time_point start = Clock::now();
     for (auto _ : state) {
         const Query& q = queries[i];
         benchmark::DoNotOptimize(q.track->GetMark(mark, q.s, q.t));
         benchmark::DoNotOptimize(mark);
         i = (i + 1) & mask;
     }
-    state.SetItemsProcessed(state.iterations());
+    ReportAgainstFloor(state, start);
 }
 BENCHMARK(BM_TrackGetMark);
 
@@ -80,6 +95,8 @@ void BM_TrackGetWidthAt(benchmark::State& state) {
     const size_t mask = 4095;
     size_t i = 0;
     double left = 0, right = 0;
+    bench::FloorSecondsPerStep();
+    const Clock::time_point start = Clock::now();
     for (auto _ : state) {
         const Query& q = queries[i];
         benchmark::DoNotOptimize(q.track->GetWidthAt(q.s, left, right));
@@ -87,7 +104,7 @@ void BM_TrackGetWidthAt(benchmark::State& state) {
         benchmark::DoNotOptimize(right);
         i = (i + 1) & mask;
     }
-    state.SetItemsProcessed(state.iterations());
+    ReportAgainstFloor(state, start);
 }
 BENCHMARK(BM_TrackGetWidthAt);
 

@@ -5,6 +5,7 @@
 #include <orvia/geometry/cartesian_curve.h>
 #include <orvia/geometry/curve2d.h>
 #include <orvia/geometry/profile.h>
+#include <orvia/ruvex/elements/misc.h>
 #include <orvia/ruvex/factory.h>
 #include <orvia/topology/connector.h>
 #include <orvia/topology/intersection.h>
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 #include <typeinfo>
 
@@ -282,6 +284,9 @@ bool Track::ValidateAxis() {
 }
 
 void Track::InvertAxis() {
+    // The nodes' records see the track from its other end now.
+    InvertTrackAnchorInfo(m_startIntersection);
+    if (m_endIntersection != m_startIntersection) InvertTrackAnchorInfo(m_endIntersection);
     InvertCurves();
     std::swap(m_startIntersection, m_endIntersection);
     std::swap(m_StartIntersectionName, m_EndIntersectionName);
@@ -468,6 +473,38 @@ bool Track::GetWidthAt(double s, double& left, double& right) const {
     return true;
 }
 
+namespace {
+
+const char* OtherExtremity(const std::string& word) {
+    return word == "start" ? "end" : (word == "end" ? "start" : nullptr);
+}
+
+}  // namespace
+
+void Track::InvertTrackAnchorInfo(Intersection* intersection) {
+    if (!intersection) return;
+    for (const auto& piece : intersection->GetContourPieces()) {
+        if (!piece) continue;
+        if (piece->GetStartAnchorTrack() == m_name) {
+            piece->SetStartAnchorOnTrackEnd(!piece->GetStartAnchorOnTrackEnd());
+            piece->SetStartAnchorOnLeftSide(!piece->GetStartAnchorOnLeftSide());
+        }
+        if (piece->GetEndAnchorTrack() == m_name) {
+            piece->SetEndAnchorOnTrackEnd(!piece->GetEndAnchorOnTrackEnd());
+            piece->SetEndAnchorOnLeftSide(!piece->GetEndAnchorOnLeftSide());
+        }
+    }
+    for (const auto& pair : intersection->GetBannedLinks()) {
+        if (!pair) continue;
+        if (const char* word = OtherExtremity(pair->GetFromTrackBoundInfo());
+            word && pair->GetFromTrack() == m_name)
+            pair->SetFromTrackBoundInfo(word);
+        if (const char* word = OtherExtremity(pair->GetToTrackBoundInfo());
+            word && pair->GetToTrack() == m_name)
+            pair->SetToTrackBoundInfo(word);
+    }
+}
+
 void Track::SetName(const std::string& name) {
     if (name == m_name) return;
     if (Network* network = GetNetwork()) {
@@ -601,6 +638,11 @@ bool Track::ModifyPortion(size_t index, double s) {
     portion->SetEndDistance(std::clamp(s, GetPortionStart(index), std::max(GetPortionStart(index), next)));
     UpdatePortion();
     return true;
+}
+
+bool Track::ModifyPortion(size_t index, bool atStart, double s) {
+    if (!atStart) return ModifyPortion(index, s);
+    return index > 0 && index < m_portions.size() && ModifyPortion(index - 1, s);
 }
 
 bool Track::RemovePortion(size_t first, size_t count) {
@@ -792,9 +834,51 @@ void Track::PostLoad(SubNetwork* subNetwork) {
         m_startIntersection = subNetwork->GetIntersectionByName(m_StartIntersectionName);
     if (!m_EndIntersectionName.empty())
         m_endIntersection = subNetwork->GetIntersectionByName(m_EndIntersectionName);
+    if (!m_startIntersection && !m_endIntersection) LinkByLegacyIndices();
     Invalidate();
     UpdatePortion();
     AttachClippedData();
+}
+
+namespace {
+
+// The index an older file's "Legacy" record gives in `attribute`; -1 when absent or not a number.
+int64_t LegacyIndex(const Ruvex::Element& record, std::string_view attribute) {
+    if (const auto* typed = dynamic_cast<const Ruvex::LegacyElement*>(&record))
+        return attribute == "firstIndex" ? typed->GetFirstIndex() : typed->GetSecondIndex();
+    const Ruvex::PreservedContent* content = record.GetPreserved();
+    if (!content) return -1;
+    for (const Ruvex::PreservedAttribute& a : content->attributes)
+        if (a.name == attribute) {
+            char* end = nullptr;
+            const long long value = std::strtoll(a.value.c_str(), &end, 10);
+            return end && *end == '\0' && end != a.value.c_str() ? value : -1;
+        }
+    return -1;
+}
+
+}  // namespace
+
+// Files written before ends were named gave the positions of the two intersections in the sub-network's list,
+// in a "Legacy" child that no class takes: it is read once and dropped.
+void Track::LinkByLegacyIndices() {
+    const Ruvex::PreservedContent* content = GetPreserved();
+    if (!content || !m_subNetwork) return;
+    for (size_t i = 0; i < content->nodes.size(); ++i) {
+        const Ruvex::Element* record = content->nodes[i].element.Get();
+        if (content->nodes[i].kind != Ruvex::NodeKind::Element || !record || record->GetTagName() != "Legacy")
+            continue;
+        const size_t count = m_subNetwork->GetIntersectionCount();
+        const int64_t first = LegacyIndex(*record, "firstIndex");
+        const int64_t second = LegacyIndex(*record, "secondIndex");
+        if (first >= 0 && static_cast<uint64_t>(first) < count)
+            SetStartIntersection(m_subNetwork->GetIntersectionByIndex(static_cast<size_t>(first)));
+        if (second >= 0 && static_cast<uint64_t>(second) < count)
+            SetEndIntersection(m_subNetwork->GetIntersectionByIndex(static_cast<size_t>(second)));
+        auto& nodes = EditPreserved().nodes;
+        nodes.erase(nodes.begin() + static_cast<std::ptrdiff_t>(i));
+        return;
+    }
 }
 
 bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {

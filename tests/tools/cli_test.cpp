@@ -148,6 +148,23 @@ TEST_F(OrviaTool, FailuresGiveOneLineWithThePlace) {
     EXPECT_NE(run.err.find("no_such_dir/out.xml"), std::string::npos);
 }
 
+TEST_F(OrviaTool, ConvertCorrectsOldBankingSignOnce) {
+    const std::filesystem::path old = dir_ / "old.xml";
+    std::ofstream(old)
+        << R"(<Ruvex version="2.4" versionRevision="2"><Network><SubNetworks><SubNetwork name="S">
+<Tracks><Track name="T"><XYCurve><Segment length="50"/></XYCurve>
+<BankingCurve><Polynomial xIn="0" yIn="0.05" xOut="50" yOut="0.05"/></BankingCurve></Track></Tracks>
+</SubNetwork></SubNetworks></Network></Ruvex>)";
+    const std::string first = (dir_ / "first.xml").string();
+    const std::string second = (dir_ / "second.xml").string();
+    ASSERT_EQ(Orvia("convert '" + old.string() + "' '" + first + "'").status, 0);
+    ASSERT_EQ(Orvia("convert '" + first + "' '" + second + "'").status, 0);
+    const std::string converted = ReadFile(first);
+    EXPECT_NE(converted.find("yIn=\"-0.05\""), std::string::npos) << converted;
+    EXPECT_NE(converted.find("yOut=\"-0.05\""), std::string::npos) << converted;
+    EXPECT_EQ(ReadFile(second), converted);
+}
+
 TEST_F(OrviaTool, ConvertWritesWhatReadsBackTheSame) {
     const std::string first = (dir_ / "first.xml").string();
     const std::string second = (dir_ / "second.xml").string();

@@ -525,3 +525,128 @@ TEST(Track, BadPortionsLoadWithPlacedWarnings) {
         EXPECT_EQ(right, 7);
     }
 }
+
+TEST(Track, RenamingAndInversionReachTheIntersectionRecords) {
+    CountedPtr<Network> network = LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + R"(</Profiles>
+<Intersections><Intersection name="P" x="0" y="0" z="0"/><Intersection name="Q" x="60" y="0" z="0">
+<Contours><ContourPiece startAnchorTrack="T" isStartAnchorOnTrackEnd="true" isStartAnchorOnLeftSide="true"
+ endAnchorTrack="U" isEndAnchorOnTrackEnd="false" isEndAnchorOnLeftSide="false"/></Contours>
+<BannedLinks><LanePair fromTrack="T" fromTrackBoundInfo="end" fromLane="c" toTrack="U" toTrackBoundInfo="start"
+ toLane="c"/></BannedLinks></Intersection></Intersections>
+<Tracks><Track name="T" startIntersectionName="P" endIntersectionName="Q"><XYCurve><Segment length="60"/></XYCurve>
+<Portion endDistance="60" startProfileName="A" endProfileName="A"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Track* track = s->GetTrackByName("T");
+    const Orvia::Intersection* q = s->GetIntersectionByName("Q");
+    const auto& piece = *q->GetContourPieces().at(0);
+    const auto& banned = *q->GetBannedLinks().at(0);
+
+    track->SetName("T2");
+    EXPECT_EQ(piece.GetStartAnchorTrack(), "T2");
+    EXPECT_EQ(piece.GetEndAnchorTrack(), "U");
+    EXPECT_EQ(banned.GetFromTrack(), "T2");
+    EXPECT_EQ(banned.GetToTrack(), "U");
+
+    // Reversed, the anchor lies on the track's start and right side; the banned link leaves from its start.
+    track->InvertTrack(true);
+    EXPECT_EQ(track->GetStartIntersectionName(), "Q");
+    EXPECT_FALSE(piece.GetStartAnchorOnTrackEnd());
+    EXPECT_FALSE(piece.GetStartAnchorOnLeftSide());
+    EXPECT_FALSE(piece.GetEndAnchorOnTrackEnd());  // U's anchor is not this track's
+    EXPECT_EQ(banned.GetFromTrackBoundInfo(), "start");
+    EXPECT_EQ(banned.GetToTrackBoundInfo(), "start");
+    track->InvertTrack(true);
+    EXPECT_TRUE(piece.GetStartAnchorOnTrackEnd());
+    EXPECT_TRUE(piece.GetStartAnchorOnLeftSide());
+    EXPECT_EQ(banned.GetFromTrackBoundInfo(), "end");
+    track->InvertTrackAnchorInfo(nullptr);
+}
+
+TEST(Track, LegacyIndicesLinkEndsNamesCannot) {
+    const std::string nodes = R"(<Intersections><Intersection name="I0"/><Intersection name="I1"/>
+<Intersection name="I2"/><Intersection name="I3"/></Intersections>)";
+    const std::string track =
+        R"(<XYCurve><Segment length="10"/></XYCurve><Legacy firstIndex="2" secondIndex="5"/>)";
+    CountedPtr<Network> network = LoadNetwork(
+        nodes + R"(<Tracks><Track name="T" startIntersectionName="X" endIntersectionName="Y">)" + track +
+        R"(</Track><Track name="N" startIntersectionName="I1">)" + track + "</Track></Tracks>");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    // Index 5 is out of range: the end stays free. The record is read once and not kept.
+    const Track* t = s->GetTrackByName("T");
+    EXPECT_EQ(t->GetStartIntersection(), s->GetIntersectionByName("I2"));
+    EXPECT_EQ(t->GetStartIntersectionName(), "I2");
+    EXPECT_EQ(t->GetEndIntersection(), nullptr);
+    EXPECT_TRUE(!t->GetPreserved() || t->GetPreserved()->nodes.empty());
+    // A track linked by name keeps its record and ignores it.
+    const Track* n = s->GetTrackByName("N");
+    EXPECT_EQ(n->GetStartIntersection(), s->GetIntersectionByName("I1"));
+    EXPECT_EQ(n->GetEndIntersection(), nullptr);
+    ASSERT_TRUE(n->GetPreserved());
+    EXPECT_EQ(n->GetPreserved()->nodes.size(), 1u);
+}
+
+TEST(Track, VersionGatesReadTheSameTrack) {
+    // 2.1.0 and older go through the legacy converter, portions older than 1.4.6 too; every one of these is
+    // older than the banking sign gate.
+    CountedPtr<Network> reference = LoadNetwork(kStraight, "2.4", "2");
+    ASSERT_TRUE(reference);
+    const Track* expected = reference->GetSubNetwork(0)->GetTrack(0);
+    for (const auto& [version, revision] :
+         {std::pair{"2.1", "0"}, {"2.1", "1"}, {"1.4", "5"}, {"1.4", "6"}}) {
+        CountedPtr<Network> network = LoadNetwork(kStraight, version, revision);
+        ASSERT_TRUE(network) << version << "." << revision;
+        const Track* track = network->GetSubNetwork(0)->GetTrack(0);
+        EXPECT_DOUBLE_EQ(track->GetBanking(50), -0.1) << version << "." << revision;
+        ASSERT_EQ(track->GetPortionCount(), 2u);
+        for (double s : {0.0, 20.0, 70.0})
+            for (double t : {-2.0, 4.0}) {
+                vek::Mark a, b;
+                ASSERT_TRUE(expected->GetMark(a, s, t));
+                ASSERT_TRUE(track->GetMark(b, s, t));
+                EXPECT_EQ(a, b) << version << "." << revision << " s=" << s << " t=" << t;
+            }
+    }
+}
+
+TEST(Track, PortionEdits) {
+    CountedPtr<Network> network = LoadNetwork(kStraight);
+    Track* track = network->GetSubNetwork(0)->GetTrackByName("T");
+    CountedPtr<Track> original(track->Clone());
+    original->SetSubNetwork(track->GetSubNetwork());
+    original->UpdatePortion();
+    auto ends = [&] {
+        std::vector<double> out;
+        for (size_t i = 0; i < track->GetPortionCount(); ++i)
+            out.push_back(track->GetPortion(i)->GetEndDistance());
+        return out;
+    };
+    // Cutting the B -> B portion changes no mark; only strictly inside a portion.
+    EXPECT_FALSE(track->SplitPortion(40));
+    EXPECT_FALSE(track->SplitPortion(100));
+    EXPECT_FALSE(track->SplitPortion(-1));
+    ASSERT_TRUE(track->SplitPortion(70));
+    EXPECT_EQ(ends(), (std::vector<double>{40, 70, 100}));
+    EXPECT_EQ(track->GetPortion(2)->GetStartProfileName(), "B");
+    for (double s : {10.0, 45.0, 69.0, 70.0, 71.0, 99.0})
+        for (double t : {-2.0, 1.0, 5.0}) {
+            vek::Mark a, b;
+            ASSERT_TRUE(original->GetMark(a, s, t));
+            ASSERT_TRUE(track->GetMark(b, s, t));
+            EXPECT_EQ(a, b) << s << " " << t;
+        }
+    // An end moves within its neighbours; the last one stays.
+    EXPECT_TRUE(track->ModifyPortion(0, 55));
+    EXPECT_EQ(ends(), (std::vector<double>{55, 70, 100}));
+    EXPECT_TRUE(track->ModifyPortion(1, true, 90));
+    EXPECT_EQ(ends(), (std::vector<double>{70, 70, 100}));
+    EXPECT_TRUE(track->ModifyPortion(1, false, -5));
+    EXPECT_EQ(ends(), (std::vector<double>{70, 70, 100}));
+    EXPECT_FALSE(track->ModifyPortion(0, true, 10));
+    EXPECT_FALSE(track->ModifyPortion(2, 50));
+    EXPECT_FALSE(track->ModifyPortion(0, std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_FALSE(track->RemovePortion(3, 1));
+    EXPECT_TRUE(track->RemovePortion(1, 10));
+    EXPECT_EQ(ends(), (std::vector<double>{70}));
+}

@@ -99,7 +99,8 @@ public:
     void Invalidate() override;
     // Chains the horizontal pieces and builds the default curves; false without a horizontal piece.
     bool ValidateAxis() override;
-    // Runs the axis backwards: the curves (Axis::InvertCurves) and the two ends swap (names and links).
+    // Runs the axis backwards: the curves (Axis::InvertCurves) and the two ends swap (names and links), the
+    // intersections' anchors and banned links following (InvertTrackAnchorInfo).
     void InvertAxis() override;
     // A copy of the track (Clone).
     Axis* CloneAxis() const override;
@@ -120,6 +121,10 @@ public:
     // Renames the track and, in every road that lists it, the pieces that name it in its sub-network, and in
     // the intersections at its ends, the banned links and outline anchors that name it.
     void SetName(const std::string& name) override;
+    // For `intersection`'s records that name this track: each contour anchor on it moves to the other end
+    // and side (both flags negated) and each banned link's extremity word swaps ("start" <-> "end"), as when
+    // the track runs backwards. InvertAxis does it for the intersections at both ends. Nothing for null.
+    void InvertTrackAnchorInfo(Intersection* intersection);
 
     // Links an end to an intersection (null frees it) and stores the intersection's name ("" for null). When
     // the intersection changes, the old one drops the default bans of this end and the new one adds them
@@ -179,6 +184,9 @@ public:
     // Moves the end of portion `index` to s, kept between its start and the next portion's end (the last
     // portion's end stays at the track's length); false for a bad index or a non-finite s.
     bool ModifyPortion(size_t index, double s);
+    // The same for the portion's start (atStart; the end of the portion before it, false for the first
+    // portion) or its end.
+    bool ModifyPortion(size_t index, bool atStart, double s);
     // Removes `count` portions from `first`; false when first is out of range.
     bool RemovePortion(size_t first, size_t count);
     // Rebuilds the typed view and post-loads every portion again.
@@ -246,8 +254,9 @@ public:
     void CopyFrom(const Track* other);
 
     // After loading: stores the sub-network, empties the in-road list (roads register again), links each
-    // end to the sub-network's intersection of the stored name (an unknown name leaves that end free),
-    // post-loads the portions and validates.
+    // end to the sub-network's intersection of the stored name (an unknown name leaves that end free); when
+    // neither end is linked, an older file's "Legacy" child (intersection positions "firstIndex" and
+    // "secondIndex") links the ends in range and is dropped; then post-loads the portions and validates.
     void PostLoad(SubNetwork* subNetwork);
 
     // The record is cleared first; documents up to kLegacyVersion go through the legacy converter, and the
@@ -271,6 +280,7 @@ private:
 
     void RefreshPortionView();
     void RefreshCurveViews();
+    void LinkByLegacyIndices();
     // Warns about (and mends) portion ends that do not tile the axis; see the definition.
     void CheckPortionDistances(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
     // Each clipped data entry takes this track and its sub-network and validates (post-load and validation).
