@@ -123,10 +123,17 @@ TEST(TrackConnector, SortTracksGoesRoundCounterClockwise) {
         EXPECT_NEAR(angles[i], kPi / 2, kAngleToleranceRad) << i;
     EXPECT_NEAR(x->GetTrackAngle(around[3], around[0]), kPi / 2, kAngleToleranceRad);
     EXPECT_NEAR(x->GetTrackAngle(around[0], around[3]), 3 * kPi / 2, kAngleToleranceRad);
+    SubNetwork* s = network->GetSubNetwork(0);
+    const std::vector<Track*> some{s->GetTrackByName("N"), s->GetTrackByName("W"), s->GetTrackByName("S")};
+    x->BuildOrganizedTrackArrayAroundIntersection(some, around, angles);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"S<", "N<", "W<"}));
+    EXPECT_NEAR(angles[1], kPi, kAngleToleranceRad);
+    x->GetTracksArroundConnector(around, true);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"E<", "N<", "W<", "S<"}));
 
     // The first is the smallest turn from the arm onto +x: an arm just below the axis beats one just above.
-    Track* east = network->GetSubNetwork(0)->GetTrackByName("E");
-    Track* north = network->GetSubNetwork(0)->GetTrackByName("N");
+    Track* east = s->GetTrackByName("E");
+    Track* north = s->GetTrackByName("N");
     x->SetPosition(vek::Vector3(0, 1, 0));
     std::vector<TrackExtremity> pair{TrackExtremity(north, false), TrackExtremity(east, false)};
     x->SortTracks(pair, angles);
