@@ -441,11 +441,12 @@ PolyLineCommonData* IntersectionLinksManager::BuildXYTrajectoryBetweenLanes(
     // The control points live in the frame of the from-lane's end; the curve places them back.
     const vek::Transform2D frame(a.point, std::atan2(a.direction.y, a.direction.x));
     const vek::Transform2D toLocal = frame.globalToLocal();
+    // Placed before it has points: every change of a piece with points rebuilds its curve.
     auto* polyline = new PolyLine(PolyLine::EType::BezierChain, false);
-    polyline->SetControlPoints(
-        {vek::Vector2(0, 0), toLocal.apply(handleIn), toLocal.apply(handleOut), toLocal.apply(b.point)});
     polyline->SetStartPosition(a.point);
     polyline->SetStartOrientation(frame.orientation());
+    polyline->SetControlPoints(
+        {vek::Vector2(0, 0), toLocal.apply(handleIn), toLocal.apply(handleOut), toLocal.apply(b.point)});
     polyline->ComputeNaturalEndTangent();
     return polyline;
 }
