@@ -4,9 +4,12 @@
 #include <orvia/core/network.h>
 #include <orvia/core/unique_name.h>
 #include <orvia/geometry/profile.h>
+#include <orvia/topology/clipped_data.h>
 #include <orvia/topology/intersection.h>
+#include <orvia/topology/linear_object.h>
 #include <orvia/topology/road.h>
 #include <orvia/topology/track.h>
+#include <orvia/topology/trajectory.h>
 
 #include <algorithm>
 
@@ -129,20 +132,6 @@ Intersection* SubNetwork::GetIntersectionByName(const std::string& name) const {
     return Named<Intersection>(m_Intersections, name);
 }
 
-void SubNetwork::GetTracksArroundIntersection(const Intersection* intersection,
-                                              std::vector<TrackExtremity>& out, bool sorted) const {
-    out.clear();
-    if (!intersection) return;
-    std::vector<Track*> tracks;
-    tracks.reserve(m_Tracks.size());
-    for (const auto& item : m_Tracks)
-        tracks.push_back(dynamic_cast<Track*>(item.Get()));
-    intersection->BuildTrackArrayAroundIntersection(tracks, out);
-    if (!sorted) return;
-    std::vector<double> angles;
-    intersection->SortTracks(out, angles);
-}
-
 std::string SubNetwork::GetUniqueIntersectionName(const std::string& requested) const {
     return GetUniqueName(requested, m_Intersections);
 }
@@ -173,8 +162,59 @@ ExternalElement* SubNetwork::GetPhysicalSurface() const {
     return dynamic_cast<ExternalElement*>(m_PhysicalSurfaceElement.Get());
 }
 
+namespace {
+
+std::string ReadText(const Ruvex::IDOMElement* element, std::string_view attribute) {
+    std::string value;
+    element->ReadAttribute(attribute, value);
+    return value;
+}
+
+// Post-load attaches a portion naming an unknown profile to the first profile and leaves a border modifier
+// of a border the profile lacks out of the geometry, silently: said here, where the file's places are known.
+void WarnAboutPortions(const SubNetwork& subNetwork, Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    auto children = [](Ruvex::IDOMElement* parent, std::string_view tag, auto&& visit) {
+        for (Ruvex::IDOMElement* child = parent->GetFirstChild(); child; child = child->GetNextSibling())
+            if (child->GetTagName() == tag) visit(child);
+    };
+    // A document without profiles describes the axes alone: its portions have nothing to name.
+    const Profile* first = subNetwork.GetProfile(0);
+    if (!first) return;
+    auto resolve = [&](Ruvex::IDOMElement* portion, std::string_view attribute) -> const Profile* {
+        const std::string name = ReadText(portion, attribute);
+        if (const Profile* profile = subNetwork.GetProfileByName(name)) return profile;
+        parser->ReportWarning(portion, "<Portion> names the profile \"" + name +
+                                           "\", which the sub-network does not hold: its first profile \"" +
+                                           first->GetName() + "\" stands in");
+        return first;
+    };
+    children(element, "Tracks", [&](Ruvex::IDOMElement* tracks) {
+        children(tracks, "Track", [&](Ruvex::IDOMElement* track) {
+            children(track, "Portion", [&](Ruvex::IDOMElement* portion) {
+                const Profile* start = resolve(portion, "startProfileName");
+                resolve(portion, "endProfileName");
+                const size_t borders = start ? start->GetLaneBorderCount() : 0;
+                children(portion, "ProfileModifier", [&](Ruvex::IDOMElement* modifier) {
+                    children(modifier, "BorderModifier", [&](Ruvex::IDOMElement* border) {
+                        uint64_t id = 0;
+                        if (border->ReadAttribute("id", id) != Ruvex::AttributeStatus::Ok || id < borders)
+                            return;
+                        parser->ReportWarning(border,
+                                              "<BorderModifier> moves border " + std::to_string(id) +
+                                                  ", which the portion's start profile lacks (it has " +
+                                                  std::to_string(borders) + "): it bends nothing");
+                    });
+                });
+            });
+        });
+    });
+}
+
+}  // namespace
+
 bool SubNetwork::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!SubNetworkElement::LoadFromXMLElement(element, parser)) return false;
+    WarnAboutPortions(*this, element, parser);
     ExternalElement::Adopt(m_ProxyFileElement);
     ExternalElement::Adopt(m_TerrainElement);
     ExternalElement::Adopt(m_RollingSurfaceElement);
@@ -275,19 +315,64 @@ void SubNetwork::PostLoad(Network* network, [[maybe_unused]] const std::vector<s
     m_network = network;
     for (const auto& item : m_Markings)
         if (auto* marking = dynamic_cast<Marking*>(item.Get())) marking->PostLoad(m_Materials);
+    for (const auto& item : m_Intersections)
+        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);
     for (const auto& item : m_Profiles)
         if (auto* profile = dynamic_cast<Profile*>(item.Get())) {
             profile->SetParentSubNetwork(this);
             profile->PostLoad(m_Markings, m_Grounds, m_Materials);
         }
-    for (const auto& item : m_Intersections)
-        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);
     for (const auto* list : {&m_Tracks, &m_JunctionTracks})
         for (const auto& item : *list)
             if (auto* track = dynamic_cast<Track*>(item.Get())) track->PostLoad(this);
+    for (const auto& item : m_TrajectoryParts)
+        if (auto* part = dynamic_cast<TrajectoryPart*>(item.Get())) part->SetInSubNetwork(this);
+    for (const auto& item : m_Trajectories)
+        if (auto* trajectory = dynamic_cast<Trajectory*>(item.Get())) trajectory->PostLoad(this);
     PostLoadTrafficLightGroups();
-    for (const auto& item : m_Intersections)
-        if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->Validate();
+    auto attach = [this](Ruvex::Element* item) {
+        auto* data = dynamic_cast<ClippedData*>(item);
+        if (!data) return;
+        data->SetInSubNetwork(this);
+        if (auto* mark = dynamic_cast<MarkClippedData*>(data)) mark->SetParent(this);
+        if (LinearObject* linear = data->GetLinearObject()) linear->SetClippedData(data);
+    };
+    for (const auto& item : m_ClippedDatas)
+        attach(item.Get());
+    for (const auto& item : m_MarkClippedData)
+        attach(item.Get());
+    for (const auto& item : m_Intersections) {
+        auto* intersection = dynamic_cast<Intersection*>(item.Get());
+        if (!intersection) continue;
+        intersection->Validate();
+        for (size_t i = 0; i < intersection->GetClippedDataCount(); ++i)
+            if (MarkClippedData* mark = intersection->GetClippedData(i)) {
+                mark->SetInSubNetwork(this);
+                mark->SetParent(intersection);
+                if (LinearObject* linear = mark->GetLinearObject()) linear->SetClippedData(mark);
+            }
+    }
+}
+
+void SubNetwork::SetName(const std::string& name) {
+    if (name == GetName()) return;
+    SubNetworkElement::SetName(name);
+    std::vector<ClippedData*> all;
+    GetClippedDataArray(all);
+    for (ClippedData* data : all)
+        if (data->GetInSubNetwork() == this) data->UpdateQualifiedName();
+}
+
+bool SubNetwork::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {
+    if (!SubNetworkElement::LoadChild(child, parser)) return false;
+    if (child->GetTagName() == "ClippedDatas")
+        for (Ruvex::IDOMElement* item = child->GetFirstChild(); item; item = item->GetNextSibling())
+            if (std::string name; item->GetTagName() == "TrackClippedData") {
+                item->GetAttribute("name", name);
+                parser->ReportWarning(
+                    item, "track clipped data \"" + name + "\" lies on no track; kept as written");
+            }
+    return true;
 }
 
 vek::Box3 SubNetwork::BuildBoundingBox() const {
@@ -348,7 +433,8 @@ Profile* SubNetwork::GetOrCreateInverse(Profile* profile, bool keepWay) {
     copy->Invert(keepWay);
     for (size_t i = 0; i < m_Profiles.size(); ++i)
         if (Profile* existing = GetProfile(i); existing && existing->IsEqual(copy.Get())) return existing;
-    copy->SetName(ToggleSuffix(profile->GetName(), keepWay ? " Invert" : " ch way"));
+    const std::string inverted = ToggleSuffix(profile->GetName(), " Invert");
+    copy->SetName(keepWay ? inverted : ToggleSuffix(inverted, " ch way"));
     AddProfile(copy.Get());
     return copy.Get();
 }

@@ -172,7 +172,22 @@ bool Network::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {
         m_backgroundImages[image->GetCameraIndex()] = image;
         return true;
     }
-    return NetworkElement::LoadChild(child, parser);
+    if (!NetworkElement::LoadChild(child, parser)) return false;
+    // A junction joins at least two track ends; one with fewer is kept as written, with a warning at its
+    // place.
+    if (child && parser && child->GetTagName() == "SubNetworkJunctions")
+        for (Ruvex::IDOMElement* junction = child->GetFirstChild(); junction;
+             junction = junction->GetNextSibling()) {
+            if (junction->GetTagName() != "SubNetworkJunction") continue;
+            size_t exits = 0;
+            for (Ruvex::IDOMElement* exit = junction->GetFirstChild(); exit; exit = exit->GetNextSibling())
+                exits += exit->GetTagName() == "SubNetworkExit" ? 1 : 0;
+            if (exits >= 2) continue;
+            std::string name;
+            junction->GetAttribute("name", name);
+            parser->ReportWarning(junction, "sub-network junction \"" + name + "\" has fewer than two exits");
+        }
+    return true;
 }
 
 Ruvex::IDOMElement* Network::BuildXMLElement(Ruvex::IDOMParser* parser) {

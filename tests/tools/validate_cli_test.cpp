@@ -146,3 +146,20 @@ TEST_F(ValidateCommand, IntersectionReferencesAndArms) {
     EXPECT_NE(found[4].find("the end of track \"A\", which does not meet it"), std::string::npos) << found[4];
     EXPECT_NE(found[5].find("the lane \"Nope\" at the start of track \"B\""), std::string::npos) << found[5];
 }
+
+TEST_F(ValidateCommand, ClippedDataOnNoTrackAndLoneJunctionExit) {
+    const std::string file =
+        Write("model.xml", R"(<Ruvex version="2.5"><Network><SubNetworks><SubNetwork name="A">
+<ClippedDatas>
+  <TrackClippedData name="Orphan"/></ClippedDatas>
+<Tracks><Track name="T"/></Tracks></SubNetwork></SubNetworks>
+<SubNetworkJunctions><SubNetworkJunction name="Lonely"><SubNetworkExit subNetwork="A" track="T"/></SubNetworkJunction>
+</SubNetworkJunctions></Network></Ruvex>)");
+    const CommandRun run = Run("'" + file + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out.rfind(file + ":3:4: ", 0), 0u) << run.out;
+    EXPECT_NE(run.out.find("\"Orphan\" lies on no track"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find(file + ":5:23: sub-network junction \"Lonely\" has fewer than two exits"),
+              std::string::npos)
+        << run.out;
+}

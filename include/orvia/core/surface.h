@@ -5,6 +5,7 @@
 
 #include <orvia/ruvex/elements/misc.h>
 #include <orvia/ruvex/elements/network.h>
+#include <orvia/vek/box.h>
 
 #include <string>
 
@@ -26,6 +27,14 @@ public:
 class SurfaceModifier : public Ruvex::SurfaceModifierElement {
 public:
     ~SurfaceModifier() override;
+
+    // The part of the track the carrying clipped data allows, in track coordinates (s, t); empty until it
+    // validates.
+    const vek::Box2& GetClipBox() const { return m_clipBox; }
+    void SetClipBox(const vek::Box2& box) { m_clipBox = box; }
+
+private:
+    vek::Box2 m_clipBox;
 };
 
 }  // namespace Orvia

@@ -10,16 +10,28 @@
 #include <string>
 #include <vector>
 
+namespace Rail {
+class RailNetwork;
+}
+
 namespace Orvia {
 
 class ClippedData;
+class EntitiesGeneration;
 class ExternalElement;
+class Ground;
 class Intersection;
+class Marking;
+class MarkClippedData;
 class Network;
+class ParkingSpot;
 class Profile;
 class Track;
 class TrackExtremity;
 class TrafficLightGroup;
+class Trajectory;
+class TrajectoryPart;
+class Zone;
 
 // Owns the tracks, intersections, profiles, markings and materials of its piece of network (element record).
 // Everything inside refers to its siblings by name; post-load resolves the names. Coordinates inside are in
@@ -52,6 +64,16 @@ public:
     std::string GetUniqueTrackName(const std::string& requested) const;
     // Appends a new track of this sub-network named GetUniqueTrackName(requested).
     Track* CreateTrack(const std::string& requested);
+    // Junction tracks read from a file (ways laid inside sub-network junctions); CreateTrackInJunction,
+    // below, makes derived ones that are not saved.
+    size_t GetJunctionTrackCount() const { return m_JunctionTracks.size(); }
+    Track* GetJunctionTrack(size_t index) const;
+    // Unlinks the track from its intersections (their default bans go), removes its exit from every
+    // sub-network junction at its ends (a junction left with fewer than two exits leaves the network), takes
+    // it out of every road, releases its clipped data's links, then erases it. False when out of range or
+    // the slot is empty; by pointer, when absent.
+    bool RemoveTrack(size_t index);
+    bool RemoveTrack(Track* track);
 
     // Intersections, with the same conventions.
     size_t GetIntersectionCount() const { return m_Intersections.size(); }
@@ -61,10 +83,17 @@ public:
     std::string GetUniqueIntersectionName(const std::string& requested) const;
     // Appends a new intersection at `position` named GetUniqueIntersectionName(requested).
     Intersection* CreateIntersection(const vek::Vector3& position, const std::string& requested);
-    // The extremities of this sub-network's tracks that name `intersection` (start before end, in track
-    // order), or in angular order (TrackConnector::SortTracks) when `sorted`. `out` is cleared.
+    // Frees every track end that meets it (by name), then erases it. False when out of range or empty.
+    bool RemoveIntersection(size_t index);
+    bool RemoveIntersection(Intersection* intersection);
+    // The track extremities of this sub-network that meet `intersection` (start before end, track order);
+    // with `sorted`, in TrackConnector::SortTracks order. `out` is cleared.
     void GetTracksArroundIntersection(const Intersection* intersection, std::vector<TrackExtremity>& out,
                                       bool sorted) const;
+    // The index of the first piece of `pieces` equal to `piece` either way round (start anchor to start and
+    // end to end, or crossed), comparing track names and both flags of each anchor; npos when none is.
+    static size_t FindIndex(const Ruvex::ContourPieceElement& piece,
+                            const std::vector<Ruvex::CountedPtr<Ruvex::ContourPieceElement>>& pieces);
 
     // Traffic-light groups, with the same conventions (the traffic module defines these). Removal by pointer
     // looks the index up first; a removed or cleared group forgets this sub-network.
@@ -90,6 +119,131 @@ public:
     Profile* GetProfileByName(const std::string& name) const;
     // Appends the profile (the sub-network takes a reference) and makes it this sub-network's; no renaming.
     void AddProfile(Profile* profile);
+    size_t GetProfileIndex(const Profile* profile) const;
+    std::string GetUniqueProfileName(const std::string& requested) const;
+    // An equal profile of this sub-network (Profile::IsEqual), else `profile` added under a unique name.
+    Profile* AddProfileIfDoesntExist(Profile* profile);
+    // Portions that show a removed profile are given the first remaining profile, as a load would.
+    bool RemoveProfile(size_t index);
+    bool RemoveProfile(Profile* profile);
+    // True when a portion of a track or junction track names the profile.
+    bool IsProfileUsed(const Profile* profile) const;
+    void RemoveUseLessProfiles();
+    // Renames the profile and the portions that name it; nothing when no profile bears `oldName`.
+    void RenameProfile(const std::string& oldName, const std::string& newName);
+    // Every portion showing `oldProfile` shows `newProfile`.
+    void ReplaceProfile(Profile* oldProfile, Profile* newProfile);
+
+    // Markings, materials and grounds: profiles (and markings, connectors, surface modifiers) name them;
+    // removal leaves the names and resolves them again, so the users lose the pointer. Renames and
+    // replacements rewrite the names held by the users and resolve again.
+    size_t GetMarkingCount() const { return m_Markings.size(); }
+    Marking* GetMarking(size_t index) const;
+    size_t GetMarkingIndex(const Marking* marking) const;
+    Marking* GetMarkingByName(const std::string& name) const;
+    std::string GetUniqueMarkingName(const std::string& requested) const;
+    void AddMarking(Marking* marking);
+    // Adds `marking` under a unique name and points it at this sub-network's material equal to its own
+    // (created when there is none); returns the added marking.
+    Marking* AddUniqueMarking(Marking* marking);
+    bool RemoveMarking(size_t index);
+    bool RemoveMarking(Marking* marking);
+    bool ChangeMarkingName(const std::string& oldName, const std::string& newName);
+    void ReplaceMarking(Marking* oldMarking, Marking* newMarking);
+
+    size_t GetMaterialCount() const { return m_Materials.size(); }
+    Ruvex::MaterialElement* GetMaterial(size_t index) const;
+    size_t GetMaterialIndex(const Ruvex::MaterialElement* material) const;
+    Ruvex::MaterialElement* GetMaterialByName(const std::string& name) const;
+    std::string GetUniqueMaterialName(const std::string& requested) const;
+    void AddMaterial(Ruvex::MaterialElement* material);
+    // The material of this sub-network with the same content as `material` (its name aside), else a copy
+    // of it added under a unique name. Null for null.
+    Ruvex::MaterialElement* GetOrCreateMaterial(const Ruvex::MaterialElement* material);
+    bool RemoveMaterial(size_t index);
+    bool RemoveMaterial(Ruvex::MaterialElement* material);
+    bool ChangeMaterialName(const std::string& oldName, const std::string& newName);
+    void ReplaceMaterial(Ruvex::MaterialElement* oldMaterial, Ruvex::MaterialElement* newMaterial);
+
+    size_t GetGroundCount() const { return m_Grounds.size(); }
+    Ground* GetGround(size_t index) const;
+    size_t GetGroundIndex(const Ground* ground) const;
+    Ground* GetGroundByName(const std::string& name) const;
+    std::string GetUniqueGroundName(const std::string& requested) const;
+    void AddGround(Ground* ground);
+    // The ground named `name`, created (empty) when there is none.
+    Ground* GetOrCreateGround(const std::string& name);
+    bool RemoveGround(size_t index);
+    bool RemoveGround(Ground* ground);
+    bool ChangeGroundName(const std::string& oldName, const std::string& newName);
+    void ReplaceGround(Ground* oldGround, Ground* newGround);
+
+    // Trajectories list their parts by name; removing a part leaves those pieces without a part.
+    size_t GetTrajectoryCount() const { return m_Trajectories.size(); }
+    Trajectory* GetTrajectory(size_t index) const;
+    size_t GetTrajectoryIndex(const Trajectory* trajectory) const;
+    Trajectory* GetTrajectoryByName(const std::string& name) const;
+    std::string GetUniqueTrajectoryName(const std::string& requested) const;
+    Trajectory* CreateTrajectory(const std::string& requested);
+    bool RemoveTrajectory(size_t index);
+    bool RemoveTrajectory(Trajectory* trajectory);
+    size_t GetTrajectoryPartCount() const { return m_TrajectoryParts.size(); }
+    TrajectoryPart* GetTrajectoryPart(size_t index) const;
+    size_t GetTrajectoryPartIndex(const TrajectoryPart* part) const;
+    TrajectoryPart* GetTrajectoryPartByName(const std::string& name) const;
+    std::string GetUniqueTrajectoryPartName(const std::string& requested) const;
+    TrajectoryPart* CreateTrajectoryPart(const std::string& requested);
+    bool RemoveTrajectoryPart(size_t index);
+    bool RemoveTrajectoryPart(TrajectoryPart* part);
+
+    // Zones, parking spots and entity generations (which name their zone).
+    size_t GetZoneCount() const { return m_Zones.size(); }
+    Zone* GetZoneByIndex(size_t index) const;
+    size_t GetZoneIndex(const Zone* zone) const;
+    Zone* GetZoneByName(const std::string& name) const;
+    std::string GetUniqueZoneName(const std::string& requested) const;
+    Zone* CreateZone(const std::string& requested);
+    bool RemoveZone(size_t index);
+    bool RemoveZone(Zone* zone);
+    size_t GetParkingSpotsCount() const { return m_ParkingSpots.size(); }
+    ParkingSpot* GetParkingSpotByIndex(size_t index) const;
+    size_t GetParkingSpotIndex(const ParkingSpot* spot) const;
+    ParkingSpot* GetParkingSpotByName(const std::string& name) const;
+    std::string GetUniqueParkingSpotName(const std::string& requested) const;
+    ParkingSpot* CreateParkingSpot(const std::string& requested);
+    void AddParkingSpot(ParkingSpot* spot);
+    bool RemoveParkingSpot(size_t index);
+    bool RemoveParkingSpot(ParkingSpot* spot);
+    bool ChangeParkingSpotName(const std::string& oldName, const std::string& newName);
+    size_t GetEntitiesGenerationCount() const { return m_EntitiesGenerations.size(); }
+    EntitiesGeneration* GetEntitiesGenerationByIndex(size_t index) const;
+    size_t GetEntitiesGenerationIndex(const EntitiesGeneration* generation) const;
+    EntitiesGeneration* GetEntitiesGenerationByName(const std::string& name) const;
+    std::string GetUniqueEntitiesGeneration(const std::string& requested) const;
+    void AddEntitiesGeneration(EntitiesGeneration* generation);
+    bool RemoveEntitiesGeneration(size_t index);
+    bool RemoveEntitiesGeneration(EntitiesGeneration* generation);
+    bool ChangeEntitiesGenerationName(const std::string& oldName, const std::string& newName);
+
+    // The sub-network's own clipped data (the "ClippedDatas" list; marks placed directly in the sub-network
+    // are GetMarkClippedData()). Lookups follow the conventions above.
+    size_t GetClippedDataCount() const { return m_ClippedDatas.size(); }
+    ClippedData* GetClippedData(size_t index) const;
+    size_t GetClippedDataIndex(const ClippedData* data) const;
+    // Appends `data` (null ignored) and makes it this sub-network's.
+    void AddClippedData(ClippedData* data);
+    // Removes `count` entries from `first` (clipped to the list); false when `first` is out of range.
+    bool RemoveClippedData(size_t first, size_t count);
+    // Every clipped data of the sub-network: its own, its marks, its tracks' and its intersections'.
+    void GetClippedDataArray(std::vector<ClippedData*>& out) const;
+    // Over GetClippedDataArray.
+    std::string GetUniqueClippedDataName(const std::string& requested) const;
+
+    // Optional parts; null when absent.
+    Rail::RailNetwork* GetRailNetwork() const;
+    Ruvex::MaterialElement* GetGeneratedTerrainMaterial() const;
+    // Creates the holder when there is none; null clears the material.
+    void SetGeneratedTerrainMaterial(Ruvex::MaterialElement* material);
     // The profile seen from the other end: an equal profile of this sub-network when there is one (IsEqual),
     // else a new one named by toggling " Invert" (" ch way" when keepWay is false) at the end of the given
     // profile's name: its last occurrence is removed, or the suffix appended. The name is not made unique.
@@ -111,9 +265,14 @@ public:
     // renamed members are not followed yet. The network's road pieces over incoming tracks are made to name
     // this sub-network and the tracks' new names. `other` is left empty.
     void MergeWith(SubNetwork* other);
-    // After loading: attaches the sub-network to `network`, its intersections to itself, and post-loads its
-    // tracks. `searchPaths` is where proxy files are looked for.
+    // After loading, in this order: markings resolve their materials; intersections are attached; parking
+    // spots, profiles (resolving markings, grounds, materials), tracks; trajectory parts are attached and
+    // trajectories resolve their parts; traffic-light groups; the sub-network's own clipped data; the
+    // intersections validate (their marks are attached); zones; entity generations get the text form of
+    // their algorithm. `searchPaths` is where proxy files are looked for.
     void PostLoad(Network* network, const std::vector<std::string>& searchPaths);
+    // The qualified names of the clipped data follow.
+    void SetName(const std::string& name) override;
 
     // Box of the tracks' boxes and the intersections' positions, in the sub-network's frame; empty when there
     // is nothing with a position.
@@ -135,7 +294,15 @@ public:
     // Drops the junction space (links still holding a way keep it alive).
     void ClearJunctionSpace();
 
+protected:
+    // A track clipped data in the sub-network's own list lies on no track: it is kept as written, with a
+    // warning at its place.
+    bool LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) override;
+
 private:
+    // Profiles and markings resolve marking, ground and material names again.
+    void ResolveProfileReferences();
+
     Network* m_network = nullptr;
     std::vector<Ruvex::CountedPtr<Track>> m_junctionTracks;
     std::vector<Ruvex::CountedPtr<Profile>> m_junctionProfiles;
