@@ -88,6 +88,28 @@ void BM_DeriveLinksOfEveryIntersection(benchmark::State& state) {
 }
 BENCHMARK(BM_DeriveLinksOfEveryIntersection)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 
+// The intersections' own share of the derivation: their candidate lane pairs (compatibility, bans and
+// explicit links already applied), which the derivation starts from.
+void BM_CandidatePairsOfEveryIntersection(benchmark::State& state) {
+    City& city = TheCity();
+    if (city.intersections.empty()) {
+        state.SkipWithError("no intersection");
+        return;
+    }
+    std::vector<Orvia::LaneConnection> pairs;
+    size_t count = 0;
+    for (auto _ : state) {
+        count = 0;
+        for (Orvia::Intersection* intersection : city.intersections) {
+            intersection->GetNonlinkedLanesPairs(pairs);
+            count += pairs.size();
+        }
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * city.intersections.size()));
+    state.counters["pairs_per_intersection"] = static_cast<double>(count) / city.intersections.size();
+}
+BENCHMARK(BM_CandidatePairsOfEveryIntersection)->Unit(benchmark::kMillisecond);
+
 // Lane ends that links leave, drawn over the whole city, asked in a scrambled order.
 struct Question {
     const Orvia::IntersectionLinksManager* manager;

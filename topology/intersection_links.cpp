@@ -109,6 +109,18 @@ void IntersectionLinksManager::FillMapWithExplicits(Intersection* intersection) 
     std::vector<Link*> links;
     GetExplicitLinks(intersection, links);
     SubNetwork* subNetwork = intersection->GetInSubNetwork();
+    Network* network = intersection->GetNetwork();
+    // Every name lookup comes before the ways are laid (naming them makes the name indices stale).
+    struct Pending {
+        Link* link;
+        size_t index;
+        LaneOnIntersectionData from, to;
+        Track* fromTrack;
+        Track* toTrack;
+        const Lane* fromLane;
+        const Lane* toLane;
+    };
+    std::vector<Pending> pending;
     for (Link* link : links) {
         m_links.emplace_back(link);
         link->SetInSubNetwork(subNetwork);
@@ -116,12 +128,26 @@ void IntersectionLinksManager::FillMapWithExplicits(Intersection* intersection) 
             const Ruvex::LanePairElement* pair = link->getLanePair(i);
             if (!pair) continue;
             const auto* runtime = dynamic_cast<const LanePair*>(pair);
-            LaneOnIntersectionData from, to;
-            ReadLanePairRecords(*pair, runtime ? runtime->GetInSubNetwork() : subNetwork, from, to);
-            if (m_trajectoryFlag && !link->getLinkTrajectory(i))
-                link->setLinkTrajectory(i, BuildExplicitTrajectory(intersection, from, to));
-            Enter(link, link->getLinkTrajectory(i), from, to);
+            Pending item{link, i, {}, {}, nullptr, nullptr, nullptr, nullptr};
+            ReadLanePairRecords(*pair, runtime ? runtime->GetInSubNetwork() : subNetwork, item.from, item.to);
+            if (m_trajectoryFlag && !link->getLinkTrajectory(i) && subNetwork) {
+                item.fromTrack = subNetwork->GetTrackByName(item.from.trackName);
+                item.toTrack = subNetwork->GetTrackByName(item.to.trackName);
+                item.fromLane = item.from.GetLane(network);
+                item.toLane = item.to.GetLane(network);
+            }
+            pending.push_back(std::move(item));
         }
+    }
+    for (const Pending& item : pending) {
+        if (m_trajectoryFlag && !item.link->getLinkTrajectory(item.index)) {
+            m_fromLane = item.fromLane;
+            m_toLane = item.toLane;
+            item.link->setLinkTrajectory(
+                item.index,
+                BuildExplicitTrajectory(intersection, item.fromTrack, item.toTrack, item.from, item.to));
+        }
+        Enter(item.link, item.link->getLinkTrajectory(item.index), item.from, item.to);
     }
     RebuildFollowing();
 }
@@ -293,14 +319,11 @@ std::span<const IntersectionLinksManager::Entry> IntersectionLinksManager::GetFo
 }
 
 LinkTrajectory* IntersectionLinksManager::BuildExplicitTrajectory(Intersection* intersection,
+                                                                  Track* fromTrack, Track* toTrack,
                                                                   const LaneOnIntersectionData& from,
                                                                   const LaneOnIntersectionData& to) {
     SubNetwork* subNetwork = intersection->GetInSubNetwork();
     if (!subNetwork) return nullptr;
-    Track* fromTrack = subNetwork->GetTrackByName(from.trackName);
-    Track* toTrack = subNetwork->GetTrackByName(to.trackName);
-    m_fromLane = from.GetLane(intersection->GetNetwork());
-    m_toLane = to.GetLane(intersection->GetNetwork());
     if (!fromTrack || !toTrack || !m_fromLane || !m_toLane)
         return new LinkTrajectory(from, to, nullptr, true);
     Track* way = subNetwork->CreateTrackInJunction("explicit track " + PairText(from, to));
@@ -325,7 +348,8 @@ bool IntersectionLinksManager::BuildTrack(Track* newTrack, Intersection* interse
     curve->AddFunction(plan);
     curve->SetOrigin(origin, heading);
     newTrack->Invalidate();
-    const double length = newTrack->GetValidXYLength();
+    if (!newTrack->ValidateAxis()) return false;
+    const double length = newTrack->GetXYLength();
     if (!(length > 0) || !std::isfinite(length)) return false;
 
     // Elevation and banking: cubics joining both lane ends with their values and slopes along the way. The
@@ -417,11 +441,12 @@ PolyLineCommonData* IntersectionLinksManager::BuildXYTrajectoryBetweenLanes(
     // The control points live in the frame of the from-lane's end; the curve places them back.
     const vek::Transform2D frame(a.point, std::atan2(a.direction.y, a.direction.x));
     const vek::Transform2D toLocal = frame.globalToLocal();
+    // Placed before it has points: every change of a piece with points rebuilds its curve.
     auto* polyline = new PolyLine(PolyLine::EType::BezierChain, false);
-    polyline->SetControlPoints(
-        {vek::Vector2(0, 0), toLocal.apply(handleIn), toLocal.apply(handleOut), toLocal.apply(b.point)});
     polyline->SetStartPosition(a.point);
     polyline->SetStartOrientation(frame.orientation());
+    polyline->SetControlPoints(
+        {vek::Vector2(0, 0), toLocal.apply(handleIn), toLocal.apply(handleOut), toLocal.apply(b.point)});
     polyline->ComputeNaturalEndTangent();
     return polyline;
 }

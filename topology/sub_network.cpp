@@ -11,6 +11,8 @@
 #include <orvia/topology/track.h>
 #include <orvia/topology/trajectory.h>
 
+#include <algorithm>
+
 namespace Orvia {
 
 namespace {
@@ -91,8 +93,12 @@ Track* SubNetwork::CreateTrack(const std::string& requested) {
 }
 
 Track* SubNetwork::CreateTrackInJunction(const std::string& requested) {
+    // A scan rather than the name index: derived tracks come in runs, each named as it is made, and every
+    // naming makes the index stale, so each lookup would rebuild it.
+    const bool taken = std::any_of(m_Tracks.begin(), m_Tracks.end(),
+                                   [&](const auto& track) { return track && track->GetName() == requested; });
     Ruvex::CountedPtr<Track> track(new Track(this));
-    track->SetName(GetUniqueTrackName(requested));
+    track->SetName(taken ? GetUniqueTrackName(requested) : requested);
     m_junctionTracks.push_back(track);
     return track.Get();
 }

@@ -4,6 +4,7 @@
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/intersection_links.h>
 #include <orvia/topology/lane_key.h>
+#include <orvia/topology/portion.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 
@@ -28,11 +29,13 @@ namespace {
 constexpr double kEndToleranceM = 1e-9;
 constexpr double kEndToleranceRad = 1e-9;
 
-// Two lanes: "L" on [-3.5, 0] against the track, "R" on [0, 3.5] along it; "O" is one-way (both lanes
-// along the track).
-const std::string kProfiles = R"(<Profiles>
-<Profile name="P"><Lane name="L" circulationWay="inverse"/><Lane name="R"/>
-<LaneBorder horizDistToAxis="-3.5"/><LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="3.5"/></Profile>
+// Two lanes: "L" on [-3.5, 0] against the track, "R" on [0, 3.5] along it, a "Centre" marking between them
+// and different ones outside; "O" is one-way (both lanes along the track).
+const std::string kProfiles =
+    R"(<Markings><Marking name="Edge"/><Marking name="Centre"/><Marking name="Kerb"/></Markings>
+<Profiles><Profile name="P"><Lane name="L" circulationWay="inverse"/><Lane name="R"/>
+<LaneBorder horizDistToAxis="-3.5" markingName="Edge"/><LaneBorder horizDistToAxis="0" markingName="Centre"/>
+<LaneBorder horizDistToAxis="3.5" markingName="Kerb"/></Profile>
 <Profile name="O"><Lane name="L"/><Lane name="R"/>
 <LaneBorder horizDistToAxis="-3.5"/><LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="3.5"/></Profile>
 <Profile name="K"><Lane name="Walk" laneType="sidewalk" circulationWay="both"/><Lane name="R"/>
@@ -106,6 +109,14 @@ void ExpectWaysMeetLanes(Network& network, const IntersectionLinksManager& manag
             ASSERT_TRUE(entry.trajectory->GetWay()->GetWidthAt(0.5 * length, left, right));
             EXPECT_NEAR(left, -1.75, 1e-12);
             EXPECT_NEAR(right, 1.75, 1e-12);
+            // On the driver's left, at both ends, the marking between the two directions.
+            const Orvia::Portion* portion = entry.trajectory->GetWay()->GetFirstPortion();
+            for (const Orvia::Profile* profile : {portion->GetStartProfile(), portion->GetEndProfile()}) {
+                ASSERT_TRUE(profile && profile->GetLaneCount() == 1);
+                const Orvia::LaneBorder* left = profile->GetLeftLaneBorder(profile->GetLane(0));
+                ASSERT_TRUE(left && left->GetMarking());
+                EXPECT_EQ(left->GetMarking()->GetName(), "Centre");
+            }
             for (const bool isFrom : {true, false}) {
                 const LaneOnIntersectionData& lane =
                     isFrom ? entry.trajectory->GetFrom() : entry.trajectory->GetTo();
@@ -149,6 +160,9 @@ TEST(IntersectionLinksManager, CrossGivesEveryTurnButUTurns) {
     EXPECT_EQ(manager.GetLinksCount(), 12u);
     ExpectWaysMeetLanes(*network, manager);
 
+    EXPECT_EQ(Key("W", true, "R"), "0#W#1#R");
+    char small[6];
+    EXPECT_TRUE(Orvia::WriteLaneKey(LaneOnIntersectionData{"W", true, "R", 0}, small, sizeof small).empty());
     // Names carry the count of links held before the derivation and the pair.
     EXPECT_EQ(manager.GetLink(0)->GetName().rfind("link implicit link 0 0-", 0), 0u);
     const LaneOnIntersectionData west{"W", true, "R", 0}, east{"E", false, "R", 0}, south{"S", true, "L", 0};

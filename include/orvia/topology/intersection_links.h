@@ -119,8 +119,9 @@ private:
     Profile* insertProfile(Portion* portion, const LaneOnIntersectionData& laneData, bool atStart,
                            SubNetwork* subNetwork, Marking* leftMarking);
     void insertLane(Profile* profile, const Lane* source, bool atTrackEnd);
-    // A way laid for an explicit pair, as GetImplicitLinks lays it.
-    LinkTrajectory* BuildExplicitTrajectory(Intersection* intersection, const LaneOnIntersectionData& from,
+    // A way laid for an explicit pair, as GetImplicitLinks lays it (between m_fromLane and m_toLane).
+    LinkTrajectory* BuildExplicitTrajectory(Intersection* intersection, Track* fromTrack, Track* toTrack,
+                                            const LaneOnIntersectionData& from,
                                             const LaneOnIntersectionData& to);
     void Enter(Link* link, LinkTrajectory* trajectory, const LaneOnIntersectionData& from,
                const LaneOnIntersectionData& to);
