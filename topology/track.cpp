@@ -240,7 +240,9 @@ bool Track::ValidateAxis() {
         const CartesianCurve* curve = As<CartesianCurve>(record.Get());
         return curve && curve->GetFunctionCount() > 0;
     };
-    auto line = [length](const char* tag, double z0, double z1) {
+    // The tags made once: "SZCurvatureCurve" does not fit a string's own buffer.
+    static const std::string kSZ = "SZCurve", kBanking = "BankingCurve", kSZCurvature = "SZCurvatureCurve";
+    auto line = [length](const std::string& tag, double z0, double z1) {
         Ruvex::CountedPtr<CartesianCurve> curve(new CartesianCurve(tag));
         auto* piece = new PolynomialFunction;
         piece->SetLinear({0, z0}, {length, z1});
@@ -251,10 +253,10 @@ bool Track::ValidateAxis() {
     m_defaultBanking = nullptr;
     m_defaultSZCurvature = nullptr;
     if (!hasPiece(m_SZCurve))
-        m_defaultSZ = line("SZCurve", m_startIntersection ? m_startIntersection->GetPosition().z : 0.0,
+        m_defaultSZ = line(kSZ, m_startIntersection ? m_startIntersection->GetPosition().z : 0.0,
                            m_endIntersection ? m_endIntersection->GetPosition().z : 0.0);
-    if (!hasPiece(m_BankingCurve)) m_defaultBanking = line("BankingCurve", 0, 0);
-    if (!hasPiece(m_SZCurvatureCurve)) m_defaultSZCurvature = line("SZCurvatureCurve", 0, 0);
+    if (!hasPiece(m_BankingCurve)) m_defaultBanking = line(kBanking, 0, 0);
+    if (!hasPiece(m_SZCurvatureCurve)) m_defaultSZCurvature = line(kSZCurvature, 0, 0);
     SetAxisValid(true);
     SetXYLengthValid(true);
     return true;
