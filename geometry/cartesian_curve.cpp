@@ -2,10 +2,22 @@
 
 #include <algorithm>
 #include <cmath>
+#include <typeinfo>
 
 #include <orvia/vek/math.h>
 
 namespace Orvia {
+
+namespace {
+
+// The exact type needs no search of the hierarchy: every load meets every polynomial twice.
+PolynomialFunction* AsPolynomial(Ruvex::PolynomialFunctionElement* record) {
+    if (!record) return nullptr;
+    return typeid(*record) == typeid(PolynomialFunction) ? static_cast<PolynomialFunction*>(record)
+                                                         : dynamic_cast<PolynomialFunction*>(record);
+}
+
+}  // namespace
 
 namespace {
 
@@ -89,7 +101,7 @@ void CartesianCurve::AssignClones(const PieceList& list) {
 void CartesianCurve::UpdateFunctionVector() {
     m_pieces.clear();
     for (const auto& element : m_Functions)
-        if (auto* function = dynamic_cast<PolynomialFunction*>(element.Get())) m_pieces.push_back(function);
+        if (PolynomialFunction* function = AsPolynomial(element.Get())) m_pieces.push_back(function);
 }
 
 bool CartesianCurve::AddFunction(PolynomialFunction* function) {
@@ -448,7 +460,7 @@ bool CartesianCurve::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOM
     Clear();
     const bool loaded = Ruvex::CartesianCurveElement::LoadFromXMLElement(element, parser);
     for (auto& record : m_Functions) {
-        if (!record || dynamic_cast<PolynomialFunction*>(record.Get())) continue;
+        if (!record || AsPolynomial(record.Get())) continue;
         record = new PolynomialFunction(record->GetIn(), record->GetDerivativeIn(), record->GetOut(),
                                         record->GetDerivativeOut());
     }

@@ -34,13 +34,33 @@ ElementList CloneList(const ElementList& list) {
     return copy;
 }
 
+// The planar piece behind an element of the list, or null. The piece classes are told by their exact type,
+// without a search of the hierarchy: a load meets every piece several times.
+ParametricFunction* AsPiece(Ruvex::Element* element) {
+    if (!element) return nullptr;
+    const std::type_info& type = typeid(*element);
+    if (type == typeid(Segment)) return static_cast<Segment*>(element);
+    if (type == typeid(CircleArc)) return static_cast<CircleArc*>(element);
+    if (type == typeid(ClothoArc)) return static_cast<ClothoArc*>(element);
+    if (type == typeid(PolyLine)) return static_cast<PolyLine*>(element);
+    if (type == typeid(ClothoidSpline)) return static_cast<ClothoidSpline*>(element);
+    return dynamic_cast<ParametricFunction*>(element);
+}
+
 // Pieces read from a file carry no placement of their own: their first control point is the curve's
 // current point, and a clothoid spline leaves it along the curve's heading.
 void ConstrainLoadedPiece(Ruvex::Element* element) {
-    if (auto* spline = dynamic_cast<ClothoidSpline*>(element)) {
+    if (!element) return;
+    const std::type_info& type = typeid(*element);
+    if (type == typeid(Segment) || type == typeid(CircleArc) || type == typeid(ClothoArc)) return;
+    auto* spline = type == typeid(ClothoidSpline) ? static_cast<ClothoidSpline*>(element)
+                   : type == typeid(PolyLine)     ? nullptr
+                                                  : dynamic_cast<ClothoidSpline*>(element);
+    if (spline) {
         spline->SetOriginConstraints(true, true);
         spline->SetControlPoints(spline->GetControlPoints());
-    } else if (auto* polyline = dynamic_cast<PolyLine*>(element)) {
+    } else if (auto* polyline = type == typeid(PolyLine) ? static_cast<PolyLine*>(element)
+                                                         : dynamic_cast<PolyLine*>(element)) {
         polyline->SetOriginConstraints(true, false);
         polyline->SetControlPoints(polyline->GetControlPoints());
     }
@@ -120,7 +140,7 @@ void Curve2D::UpdateParametricFunctionVector() {
     m_records.clear();
     double start = 0;
     for (const Ruvex::CountedPtr<Ruvex::Element>& element : m_Functions) {
-        auto* function = dynamic_cast<ParametricFunction*>(element.Get());
+        ParametricFunction* function = AsPiece(element.Get());
         if (!function) continue;
         // A piece of another class may report any length: one that is not finite owns no abscissa.
         const double pieceLength = function->GetLength();
@@ -534,7 +554,7 @@ void Curve2D::UpdateFunctionsFromStart() {
         m_records[i].function->SetStartPosition(end.position);
         m_records[i].function->SetStartOrientation(end.heading);
     }
-    if (!m_records.empty())
+    if (!m_records.empty() && m_records.back().kind == Kind::Other)
         if (auto* polyline = dynamic_cast<PolyLine*>(m_records.back().function))
             polyline->ComputeNaturalEndTangent();
     UpdateParametricFunctionVector();

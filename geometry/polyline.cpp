@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <optional>
 
 #include "golden_section.h"
 
@@ -211,14 +212,15 @@ void PolyLine::ComputeNaturalEndTangent() {
     const double before = m_EndTangent;
     const size_t n = m_controlPoints.size();
     if (n >= 2) {
-        std::unique_ptr<vek::Trajectory> curve;
+        std::optional<vek::Vector2> end;
         if (n >= 3 && m_Type == EType::ClampedSpline)
-            curve = vek::NewClampedCubicSpline(m_controlPoints, SplineStartTangent(), vek::Vector2());
+            end = vek::ClampedCubicSplineEndTangent(m_controlPoints, SplineStartTangent(), vek::Vector2());
         else if (n >= 3 && m_Type == EType::BezierThroughPoints)
-            curve = vek::NewBezierTS(false, m_controlPoints);
+            if (const std::unique_ptr<vek::Trajectory> curve = vek::NewBezierTS(false, m_controlPoints))
+                end = curve->tangent(1);
         vek::Vector2 tangent;
-        if (curve)
-            tangent = curve->tangent(1);
+        if (end)
+            tangent = *end;
         else if (!m_beziers.empty() && m_Type == EType::BezierChain)
             tangent = m_beziers.back().curve->tangent(1);
         if (tangent != vek::Vector2())

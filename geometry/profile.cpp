@@ -8,6 +8,7 @@
 #include <orvia/ruvex/factory.h>
 
 #include <algorithm>
+#include <typeinfo>
 
 namespace Orvia {
 
@@ -21,6 +22,13 @@ constexpr const char* kDefaultVehicleCategories =
     "bicycle,moped,motorcycle,car,trail,caravan,bus,agricultural vehicle,goods transport,poluting transport,"
     "dangerous transport,nailed tires,truck,police,firefighter,ambulance";
 constexpr float kDefaultMaterialGrey = 0.2f;
+
+// The exact type needs no search of the hierarchy; every load refreshes the views of every profile.
+template <class T, class Record>
+T* As(Record* record) {
+    if (!record) return nullptr;
+    return typeid(*record) == typeid(T) ? static_cast<T*>(record) : dynamic_cast<T*>(record);
+}
 
 template <class T>
 T* FindByName(const Ruvex::HashVector<Ruvex::CountedPtr<T>>& list, const std::string& name) {
@@ -108,14 +116,14 @@ void Profile::RefreshViews() {
     m_lanes.clear();
     m_lanes.reserve(m_Lanes.size());
     for (const auto& item : m_Lanes) {
-        auto* lane = dynamic_cast<Lane*>(item.Get());
+        auto* lane = As<Lane>(item.Get());
         if (lane) lane->m_profile = this;
         m_lanes.push_back(lane);
     }
     m_borders.clear();
     m_borders.reserve(m_LaneBorders.size());
     for (const auto& item : m_LaneBorders)
-        m_borders.push_back(dynamic_cast<LaneBorder*>(item.Get()));
+        m_borders.push_back(As<LaneBorder>(item.Get()));
 }
 
 void Profile::UpdateLaneToLaneBorderMap() {
@@ -127,8 +135,8 @@ void Profile::UpdateLaneBorderToLaneMap() {
 }
 
 void Profile::UpdateMaps() {
-    UpdateLaneToLaneBorderMap();
-    UpdateLaneBorderToLaneMap();
+    // Both maps are the one pair of views.
+    RefreshViews();
 }
 
 Lane* Profile::AddLane() {

@@ -2,6 +2,10 @@
 
 #include "unicode.h"
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -68,6 +72,21 @@ bool CleanUtf8(const unsigned char* p, size_t size) {
     constexpr uint64_t kHigh = 0x8080808080808080u;
     size_t i = 0;
     while (i < size) {
+#ifdef __SSE2__
+        // Sixteen bytes at a time, line ends and tabs included: a byte at or above 0x80 compares below 0x20
+        // as a signed one.
+        if (size - i >= 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+            const int outside = _mm_movemask_epi8(_mm_cmplt_epi8(v, _mm_set1_epi8(0x20)));
+            const int blank = _mm_movemask_epi8(_mm_or_si128(
+                _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('\n')), _mm_cmpeq_epi8(v, _mm_set1_epi8('\r'))),
+                _mm_cmpeq_epi8(v, _mm_set1_epi8('\t'))));
+            if ((outside & ~blank) == 0) {
+                i += 16;
+                continue;
+            }
+        }
+#endif
         if (size - i >= 8) {
             uint64_t word;
             std::memcpy(&word, p + i, 8);

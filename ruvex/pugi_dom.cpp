@@ -213,40 +213,43 @@ bool HasRepeatedName(pugi::xml_attribute first) {
 }  // namespace
 
 pugi::xml_node PugiDocument::CheckElements(size_t maxDepth) {
-    // No recursion: down to the first child, else on to the next sibling of the nearest ancestor that has
-    // one. `depth` is the level of `node`, the document's children being level 1.
-    pugi::xml_node node = m_doc.first_child();
-    size_t depth = 1;
-    while (node) {
-        if (depth > maxDepth && node.type() == pugi::node_element) return node;
-        pugi::xml_attribute first = node.first_attribute();
-        if (first && first.next_attribute() && HasRepeatedName(first)) {
-            for (pugi::xml_attribute a = first.next_attribute(); a;) {
-                pugi::xml_attribute next = a.next_attribute();
-                for (pugi::xml_attribute b = first; b != a; b = b.next_attribute())
-                    if (std::strcmp(a.name(), b.name()) == 0) {
-                        PugiNode where(node, this);
-                        ReportWarning(&where, "attribute \"" + std::string(a.name()) + "\" of <" +
-                                                  node.name() + "> is given twice; the last value is kept");
-                        b.set_value(a.value());
-                        node.remove_attribute(a);
-                        break;
-                    }
-                a = next;
+    // pugixml walks the tree itself, without recursion: one call per node here instead of a few into it.
+    struct Walker : pugi::xml_tree_walker {
+        PugiDocument* document = nullptr;
+        size_t maxDepth = 0;
+        pugi::xml_node found;
+        bool for_each(pugi::xml_node& node) override {
+            // depth() is 0 for the document's children, which are level 1.
+            if (static_cast<size_t>(depth()) >= maxDepth && node.type() == pugi::node_element) {
+                found = node;
+                return false;
             }
+            pugi::xml_attribute first = node.first_attribute();
+            if (first && first.next_attribute() && HasRepeatedName(first)) document->DropRepeats(node);
+            return true;
         }
-        if (pugi::xml_node child = node.first_child()) {
-            node = child;
-            ++depth;
-            continue;
-        }
-        while (node && !node.next_sibling()) {
-            node = node.parent();
-            --depth;
-        }
-        if (node) node = node.next_sibling();
+    } walker;
+    walker.document = this;
+    walker.maxDepth = maxDepth;
+    m_doc.traverse(walker);
+    return walker.found;
+}
+
+void PugiDocument::DropRepeats(pugi::xml_node node) {
+    pugi::xml_attribute first = node.first_attribute();
+    for (pugi::xml_attribute a = first.next_attribute(); a;) {
+        pugi::xml_attribute next = a.next_attribute();
+        for (pugi::xml_attribute b = first; b != a; b = b.next_attribute())
+            if (std::strcmp(a.name(), b.name()) == 0) {
+                PugiNode where(node, this);
+                ReportWarning(&where, "attribute \"" + std::string(a.name()) + "\" of <" + node.name() +
+                                          "> is given twice; the last value is kept");
+                b.set_value(a.value());
+                node.remove_attribute(a);
+                break;
+            }
+        a = next;
     }
-    return {};
 }
 
 void ForEachNode(IDOMElement* element, void* context, void (*visit)(void*, IDOMElement*)) {

@@ -80,6 +80,8 @@ public:
     // nested deeper than `maxDepth` levels (the document's children being level 1), where the walk stops;
     // empty when there is none.
     pugi::xml_node CheckElements(size_t maxDepth);
+    // The later attributes of `node` that repeat an earlier one's name go, the value of the last staying.
+    void DropRepeats(pugi::xml_node node);
     PugiNode* Wrap(pugi::xml_node node);
     std::pair<size_t, size_t> LineColumn(ptrdiff_t offset) const;
     void ReportAt(ptrdiff_t offset, std::string message);

@@ -2,6 +2,7 @@
 
 #include <orvia/core/legacy_converter.h>
 #include <orvia/core/network.h>
+#include <orvia/core/orvia_factory.h>
 #include <orvia/geometry/cartesian_curve.h>
 #include <orvia/geometry/curve2d.h>
 #include <orvia/geometry/profile.h>
@@ -29,6 +30,15 @@ template <class T, class Record>
 T* As(Record* record) {
     if (!record) return nullptr;
     return typeid(*record) == typeid(T) ? static_cast<T*>(record) : dynamic_cast<T*>(record);
+}
+
+// What a host's factory makes for a curve tag, which the track takes when it is a runtime curve; null with no
+// factory or ours, which make the plain record for these tags (the track then makes its own curve without
+// making and dropping one).
+Ruvex::CountedPtr<Ruvex::Element> MadeByHost(std::string_view tag) {
+    const Ruvex::Factory* factory = Ruvex::GetFactory();
+    if (!factory || typeid(*factory) == typeid(OrviaFactory)) return nullptr;
+    return Ruvex::CountedPtr<Ruvex::Element>(Ruvex::CreateElement(std::string(tag)));
 }
 
 struct CrossValues {
@@ -263,7 +273,9 @@ bool Track::ValidateAxis() {
         const CartesianCurve* curve = As<CartesianCurve>(record.Get());
         return curve && curve->GetFunctionCount() > 0;
     };
-    auto line = [length](const char* tag, double z0, double z1) {
+    // The tags made once: "SZCurvatureCurve" does not fit a string's own buffer.
+    static const std::string kSZ = "SZCurve", kBanking = "BankingCurve", kSZCurvature = "SZCurvatureCurve";
+    auto line = [length](const std::string& tag, double z0, double z1) {
         Ruvex::CountedPtr<CartesianCurve> curve(new CartesianCurve(tag));
         auto* piece = new PolynomialFunction;
         piece->SetLinear({0, z0}, {length, z1});
@@ -274,10 +286,10 @@ bool Track::ValidateAxis() {
     m_defaultBanking = nullptr;
     m_defaultSZCurvature = nullptr;
     if (!hasPiece(m_SZCurve))
-        m_defaultSZ = line("SZCurve", m_startIntersection ? m_startIntersection->GetPosition().z : 0.0,
+        m_defaultSZ = line(kSZ, m_startIntersection ? m_startIntersection->GetPosition().z : 0.0,
                            m_endIntersection ? m_endIntersection->GetPosition().z : 0.0);
-    if (!hasPiece(m_BankingCurve)) m_defaultBanking = line("BankingCurve", 0, 0);
-    if (!hasPiece(m_SZCurvatureCurve)) m_defaultSZCurvature = line("SZCurvatureCurve", 0, 0);
+    if (!hasPiece(m_BankingCurve)) m_defaultBanking = line(kBanking, 0, 0);
+    if (!hasPiece(m_SZCurvatureCurve)) m_defaultSZCurvature = line(kSZCurvature, 0, 0);
     SetAxisValid(true);
     SetXYLengthValid(true);
     return true;
@@ -947,7 +959,7 @@ bool Track::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {
     // Asked of the factory first, so that a host's class is used when it is a runtime curve.
     if (tag == "XYCurve") {
         if (m_XYCurve) return false;
-        Ruvex::CountedPtr<Ruvex::Element> made(Ruvex::CreateElement(std::string(tag)));
+        Ruvex::CountedPtr<Ruvex::Element> made = MadeByHost(tag);
         Ruvex::CountedPtr<Curve2D> curve(As<Curve2D>(made.Get()));
         if (!curve) curve = new Curve2D;
         if (!curve->LoadFromXMLElement(child, parser)) return false;
@@ -958,7 +970,7 @@ bool Track::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {
         Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& slot =
             tag == "SZCurve" ? m_SZCurve : (tag == "BankingCurve" ? m_BankingCurve : m_SZCurvatureCurve);
         if (slot) return false;
-        Ruvex::CountedPtr<Ruvex::Element> made(Ruvex::CreateElement(std::string(tag)));
+        Ruvex::CountedPtr<Ruvex::Element> made = MadeByHost(tag);
         Ruvex::CountedPtr<CartesianCurve> curve(As<CartesianCurve>(made.Get()));
         if (!curve) curve = new CartesianCurve(std::string(tag));
         if (!curve->LoadFromXMLElement(child, parser)) return false;

@@ -90,7 +90,7 @@ CubicPiecesTrajectory::CubicPiecesTrajectory(std::vector<CubicPiece> pieces, std
     cumulative_.push_back(0);
     for (const CubicPiece& p : pieces_) {
         cumulative_.push_back(cumulative_.back() + arcLength(p, 0, 1));
-        scale_.push_back(p.b.norm() + p.c.norm() + p.d.norm());
+        scale_.push_back(Scale(p));
     }
 }
 
@@ -98,18 +98,24 @@ std::unique_ptr<Trajectory> CubicPiecesTrajectory::clone() const {
     return std::make_unique<CubicPiecesTrajectory>(*this);
 }
 
-CubicPiecesTrajectory::Location CubicPiecesTrajectory::locate(double u) const {
+CubicPiecesTrajectory::Location CubicPiecesTrajectory::Locate(const std::vector<double>& knots, double u) {
     u = std::clamp(u, 0.0, 1.0);
-    const std::size_t last = pieces_.size() - 1;
-    const auto above = std::upper_bound(knots_.begin(), knots_.end(), u);
+    const std::size_t last = knots.size() - 2;
+    const auto above = std::upper_bound(knots.begin(), knots.end(), u);
     const std::size_t i =
-        std::min(static_cast<std::size_t>(std::max(above - knots_.begin() - 1, std::ptrdiff_t{0})), last);
-    const double t = (u - knots_[i]) / (knots_[i + 1] - knots_[i]);
+        std::min(static_cast<std::size_t>(std::max(above - knots.begin() - 1, std::ptrdiff_t{0})), last);
+    const double t = (u - knots[i]) / (knots[i + 1] - knots[i]);
     return {i, std::clamp(t, 0.0, 1.0)};
 }
 
 bool CubicPiecesTrajectory::stalls(std::size_t i, const Vector2& d1) const {
     return d1.norm() <= kStallRatio * scale_[i];
+}
+
+Vector2 CubicPiecesTrajectory::TangentOf(const std::vector<CubicPiece>& pieces,
+                                         const std::vector<double>& knots, double u) {
+    const auto [i, t] = Locate(knots, u);
+    return Tangent(pieces[i], t, Scale(pieces[i]));
 }
 
 double CubicPiecesTrajectory::lengthAtParameter(double u) const {
@@ -166,13 +172,17 @@ Vector2 CubicPiecesTrajectory::secondDerivative(double u) const {
 
 Vector2 CubicPiecesTrajectory::tangent(double u) const {
     const auto [i, t] = locate(u);
-    const CubicPiece& p = pieces_[i];
+    return Tangent(pieces_[i], t, scale_[i]);
+}
+
+Vector2 CubicPiecesTrajectory::Tangent(const CubicPiece& p, double t, double scale) {
+    const auto stalls = [scale](const Vector2& d) { return d.norm() <= kStallRatio * scale; };
     const Vector2 d1 = p.derivative(t);
-    if (!stalls(i, d1)) return d1.normalized();
+    if (!stalls(d1)) return d1.normalized();
     // Zero speed: near t0 the curve moves along P''(t0) (t - t0) + P'''(t - t0)^2 / 2, so it leaves along P''
     // and arrives along -P''; piece ends decide which one is meant, and P''' serves when P'' vanishes too.
     const Vector2 d2 = p.secondDerivative(t);
-    if (!stalls(i, d2)) return (t > 0.5 ? -d2 : d2).normalized();
+    if (!stalls(d2)) return (t > 0.5 ? -d2 : d2).normalized();
     return p.thirdDerivative().normalized();
 }
 

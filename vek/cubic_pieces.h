@@ -44,14 +44,22 @@ public:
     const std::vector<CubicPiece>& pieces() const { return pieces_; }
     const std::vector<double>& knots() const { return knots_; }
 
+    // tangent(u) of the trajectory these pieces and knots would make, without its arc-length tables.
+    static Vector2 TangentOf(const std::vector<CubicPiece>& pieces, const std::vector<double>& knots,
+                             double u);
+
 private:
     struct Location {
         std::size_t piece;
         double t;
     };
-    Location locate(double u) const;
+    Location locate(double u) const { return Locate(knots_, u); }
+    static Location Locate(const std::vector<double>& knots, double u);
     // Whether the speed at local t of piece i is too small to give a direction.
     bool stalls(std::size_t i, const Vector2& d1) const;
+    // Unit tangent at local t of a piece whose coefficients sum to `scale` in length.
+    static Vector2 Tangent(const CubicPiece& p, double t, double scale);
+    static double Scale(const CubicPiece& p) { return p.b.norm() + p.c.norm() + p.d.norm(); }
 
     std::vector<CubicPiece> pieces_;
     std::vector<double> knots_;

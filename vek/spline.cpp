@@ -6,10 +6,11 @@
 
 namespace vek {
 
-std::unique_ptr<Trajectory> NewClampedCubicSpline(const std::vector<Vector2>& points,
-                                                  const Vector2& startTangent, const Vector2& endTangent) {
-    const std::vector<Vector2> p = withoutCoincidentPoints(points);
-    if (p.size() < 2) return nullptr;
+namespace {
+
+// The pieces of the clamped spline through p (at least 2 distinct points).
+std::vector<CubicPiece> ClampedSplinePieces(const std::vector<Vector2>& p, const Vector2& startTangent,
+                                            const Vector2& endTangent) {
     const std::size_t n = p.size() - 1;  // pieces
     std::vector<double> h(n);
     std::vector<Vector2> delta(n);  // unit chords
@@ -53,7 +54,25 @@ std::unique_ptr<Trajectory> NewClampedCubicSpline(const std::vector<Vector2>& po
     pieces.reserve(n);
     for (std::size_t i = 0; i < n; ++i)
         pieces.push_back(CubicPiece::hermite(p[i], m[i] * h[i], p[i + 1], m[i + 1] * h[i]));
-    return std::make_unique<CubicPiecesTrajectory>(std::move(pieces), chordKnots(p));
+    return pieces;
+}
+
+}  // namespace
+
+std::unique_ptr<Trajectory> NewClampedCubicSpline(const std::vector<Vector2>& points,
+                                                  const Vector2& startTangent, const Vector2& endTangent) {
+    const std::vector<Vector2> p = withoutCoincidentPoints(points);
+    if (p.size() < 2) return nullptr;
+    return std::make_unique<CubicPiecesTrajectory>(ClampedSplinePieces(p, startTangent, endTangent),
+                                                   chordKnots(p));
+}
+
+std::optional<Vector2> ClampedCubicSplineEndTangent(const std::vector<Vector2>& points,
+                                                    const Vector2& startTangent, const Vector2& endTangent) {
+    const std::vector<Vector2> p = withoutCoincidentPoints(points);
+    if (p.size() < 2) return std::nullopt;
+    return CubicPiecesTrajectory::TangentOf(ClampedSplinePieces(p, startTangent, endTangent), chordKnots(p),
+                                            1);
 }
 
 }  // namespace vek

@@ -61,6 +61,12 @@ TEST(Load, NestingDepthIsBounded) {
     EXPECT_EQ(GetLastProblems()[0].line, kMaxNestingDepth + 1);
     EXPECT_EQ(GetLastProblems()[0].column, 2u);
     EXPECT_NE(GetLastProblems()[0].message.find("nested deeper than 256 levels"), std::string::npos);
+    // A repeated attribute met on the way is not reported for a document refused for its depth.
+    std::string repeated = deep;
+    repeated.replace(repeated.find("<a>"), 3, "<a x=\"1\" x=\"2\">");
+    EXPECT_FALSE(Load(repeated.c_str(), true));
+    ASSERT_EQ(GetLastProblems().size(), 1u);
+    EXPECT_FALSE(GetLastProblems()[0].warning);
 
     const std::filesystem::path file = std::filesystem::temp_directory_path() / "orvia_ruvex_deep.xml";
     std::ofstream(file) << deep;

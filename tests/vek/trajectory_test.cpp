@@ -139,6 +139,12 @@ TEST(ClampedCubicSpline, SmoothAtKnots) {
     EXPECT_TRUE(c->secondDerivative(1).isEqual({0, 0}, 1e-9));
     expectArcLengthInverse(*c);
 
+    // The end tangent alone is the spline's, bit for bit, natural end or not, and none where there is none.
+    EXPECT_EQ(vek::ClampedCubicSplineEndTangent(pts, {1, 0}, {0, 0}), c->tangent(1));
+    EXPECT_EQ(vek::ClampedCubicSplineEndTangent(pts, {1, 0}, {0, 3}),
+              vek::NewClampedCubicSpline(pts, {1, 0}, {0, 3})->tangent(1));
+    EXPECT_EQ(vek::ClampedCubicSplineEndTangent({{1, 1}, {1, 1}}, {1, 0}, {0, 0}), std::nullopt);
+
     EXPECT_EQ(vek::NewClampedCubicSpline({{1, 1}}, {1, 0}, {1, 0}), nullptr);
     EXPECT_EQ(vek::NewClampedCubicSpline({{1, 1}, {1, 1}}, {1, 0}, {1, 0}), nullptr);
     const auto segment = vek::NewClampedCubicSpline({{0, 0}, {4, 3}}, {4, 3}, {4, 3});

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <orvia/vek/vector.h>
@@ -50,6 +51,9 @@ protected:
 // Consecutive points closer than 1e-9 m are merged. Null with fewer than 2 distinct points.
 std::unique_ptr<Trajectory> NewClampedCubicSpline(const std::vector<Vector2>& points,
                                                   const Vector2& startTangent, const Vector2& endTangent);
+// tangent(1) of that spline, without building its arc-length tables; none where the spline would be null.
+std::optional<Vector2> ClampedCubicSplineEndTangent(const std::vector<Vector2>& points,
+                                                    const Vector2& startTangent, const Vector2& endTangent);
 
 // C1 curve through all points made of one cubic Bezier piece per pair of consecutive points, parameterised by
 // cumulative chord length. The tangent at an inner point is that of the parabola through it and its two
