@@ -160,6 +160,13 @@ TEST(SubNetwork, RemovingEachKindLeavesNothingPointingAtIt) {
     EXPECT_EQ(t2->GetPortion(0)->GetStartProfile(), nullptr);
     EXPECT_EQ(keptProfile->GetParentSubNetwork(), nullptr);
 
+    // Marks of the sub-network inside a zone go, the others stay.
+    a->GetMarkClippedData()[0]->SetPosition({5, 1, 0});
+    dynamic_cast<Orvia::MarkClippedData&>(*a->GetClippedData(0)).SetPosition({-5, 1, 0});
+    EXPECT_EQ(a->RemoveClippedDataInZone(a->GetZoneByName("Park")), 1u);
+    EXPECT_TRUE(a->GetMarkClippedData().empty());
+    EXPECT_EQ(a->RemoveClippedDataInZone(nullptr), 0u);
+
     // Trajectory parts, then the rest.
     ASSERT_TRUE(a->RemoveTrajectoryPart(a->GetTrajectoryPartByName("Lane change")));
     EXPECT_EQ(a->GetTrajectoryByName("Path")->GetPart(0), nullptr);

@@ -234,6 +234,9 @@ public:
     void AddClippedData(ClippedData* data);
     // Removes `count` entries from `first` (clipped to the list); false when `first` is out of range.
     bool RemoveClippedData(size_t first, size_t count);
+    // Removes the sub-network's own marks (both lists) whose position lies inside `zone`'s polygon (even-odd
+    // rule, in the sub-network's frame); returns how many went. 0 for null.
+    size_t RemoveClippedDataInZone(const Zone* zone);
     // Every clipped data of the sub-network: its own, its marks, its tracks' and its intersections'.
     void GetClippedDataArray(std::vector<ClippedData*>& out) const;
     // Over GetClippedDataArray.
