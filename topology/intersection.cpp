@@ -81,6 +81,13 @@ void LanePair::SetToTrackEnd(bool atEnd) {
     m_ToTrackBoundInfo = Word(atEnd);
 }
 
+bool LanePair::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    if (!element || !parser) return false;
+    m_line = element->GetLine();
+    m_column = element->GetColumn();
+    return LanePairElement::LoadFromXMLElement(element, parser);
+}
+
 void LanePair::CopyFrom(const LanePair* other) {
     if (!other) return;
     m_FromTrack = other->m_FromTrack;
@@ -334,9 +341,87 @@ void Intersection::ReplaceTrackName(const std::string& oldName, const std::strin
     }
 }
 
+std::vector<IntersectionProblem> Intersection::CheckReferences() const {
+    std::vector<IntersectionProblem> problems;
+    if (!m_subNetwork) return problems;
+    const std::string who = "intersection \"" + m_name + "\": ";
+    const auto add = [&](std::string message, const Ruvex::Element* at) {
+        const auto* pair = dynamic_cast<const LanePair*>(at);
+        const bool placed = pair && pair->GetSourceLine() != 0;
+        problems.push_back({who + message, placed ? pair->GetSourceLine() : m_line,
+                            placed ? pair->GetSourceColumn() : m_column});
+    };
+    const auto side = [&](const std::string& what, const Ruvex::LanePairElement& pair,
+                          const std::string& trackName, const std::string& word,
+                          const std::string& laneName) {
+        Track* track = m_subNetwork->GetTrackByName(trackName);
+        if (!track)
+            return add(what + " names the track \"" + trackName + "\", which the sub-network does not have",
+                       &pair);
+        const bool atEnd = word == kEndWord;
+        const std::string& node = atEnd ? track->GetEndIntersectionName() : track->GetStartIntersectionName();
+        const std::string extremity =
+            std::string(atEnd ? "end" : "start") + " of track \"" + trackName + "\"";
+        if (node != m_name) return add(what + " names the " + extremity + ", which does not meet it", &pair);
+        const Profile* profile = TrackExtremity(track, atEnd).GetProfile();
+        if (!profile || !profile->GetLaneByName(laneName.c_str()))
+            add(what + " names the lane \"" + laneName + "\" at the " + extremity +
+                    ", which its profile does not have",
+                &pair);
+    };
+    const auto check = [&](const std::string& what, const Ruvex::LanePairElement& pair) {
+        side(what, pair, pair.GetFromTrack(), pair.GetFromTrackBoundInfo(), pair.GetFromLane());
+        side(what, pair, pair.GetToTrack(), pair.GetToTrackBoundInfo(), pair.GetToLane());
+    };
+    for (const auto& pair : m_BannedLinks)
+        if (pair) check("banned link", *pair);
+    for (const auto& link : m_Links) {
+        if (!link) continue;
+        for (const auto& pair : link->GetLanePairs())
+            if (pair) check("link \"" + link->GetName() + "\"", *pair);
+    }
+    for (size_t k = 0; k < m_ContourPieces.size(); ++k) {
+        const Ruvex::ContourPieceElement* piece = m_ContourPieces[k].Get();
+        if (!piece) continue;
+        for (const std::string* anchor : {&piece->GetStartAnchorTrack(), &piece->GetEndAnchorTrack()})
+            if (!m_subNetwork->GetTrackByName(*anchor))
+                add("contour piece " + std::to_string(k + 1) + " names the track \"" + *anchor +
+                        "\", which the sub-network does not have",
+                    nullptr);
+    }
+
+    std::vector<TrackExtremity> arms;
+    BuildTrackArrayAroundIntersection(arms);
+    std::vector<vek::Vector3> points(arms.size());
+    std::vector<vek::Vector3> headings(arms.size());
+    for (size_t i = 0; i < arms.size(); ++i) {
+        Track* track = arms[i].GetTrack();
+        track->Validate();
+        if (!(track->GetXYLength() > kZeroLength))
+            add("track \"" + track->GetName() + "\" meets it with no length", nullptr);
+        arms[i].GetPosition(points[i]);
+        arms[i].GetDirection(headings[i]);
+    }
+    for (size_t i = 0; i < arms.size(); ++i)
+        for (size_t j = i + 1; j < arms.size(); ++j) {
+            if ((points[i] - points[j]).norm() > kSamePoint) continue;
+            const double ni = headings[i].norm();
+            const double nj = headings[j].norm();
+            if (!(ni > 0 && nj > 0) ||
+                (headings[i] * (1 / ni) - headings[j] * (1 / nj)).norm() > kSameHeading)
+                continue;
+            add("tracks \"" + arms[i].GetTrack()->GetName() + "\" and \"" + arms[j].GetTrack()->GetName() +
+                    "\" meet it at one point with one heading",
+                nullptr);
+        }
+    return problems;
+}
+
 bool Intersection::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!element || !parser) return false;
     Invalidate();
+    m_line = element->GetLine();
+    m_column = element->GetColumn();
     if (parser->GetVersion() <= kLegacyVersion)
         return QorOldData::DataConverter::LoadIntersection(this, element, parser);
     return IntersectionElement::LoadFromXMLElement(element, parser);

@@ -123,3 +123,43 @@ TEST_F(ValidateCommand, ClippedDataOnNoTrackAndLoneJunctionExit) {
               std::string::npos)
         << run.out;
 }
+
+TEST_F(ValidateCommand, IntersectionReferencesAndArms) {
+    // Line 5: a banned link to a missing track; line 6: to a lane that A's start does not have, and from the
+    // end of A, which does not meet X; line 8: a contour piece (placed at X, line 3) naming a missing track;
+    // A and B leave X at one point with one heading, Z has no length (placed at X).
+    const std::string file = Write("nodes.xml", R"(<Ruvex version="2.5" versionRevision="0"><Network name="N">
+<SubNetworks><SubNetwork name="S"><Profiles><Profile name="P"><Lane name="L"/><LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="3"/></Profile></Profiles>
+<Intersections><Intersection name="X"><BannedLinks>
+<LanePair fromTrack="A" fromLane="L" toTrack="A" toLane="L"/>
+  <LanePair fromTrack="Ghost" fromLane="L" toTrack="A" toLane="L"/>
+<LanePair fromTrack="A" fromTrackBoundInfo="end" fromLane="L" toTrack="B" toLane="Nope"/>
+</BannedLinks>
+<Contours><ContourPiece startAnchorTrack="A" endAnchorTrack="Lost"/></Contours></Intersection></Intersections>
+<Tracks>
+<Track name="A" startIntersectionName="X"><XYCurve><Segment length="10"/></XYCurve><Portion endDistance="10" startProfileName="P" endProfileName="P"/></Track>
+<Track name="B" startIntersectionName="X"><XYCurve><Segment length="20"/></XYCurve><Portion endDistance="20" startProfileName="P" endProfileName="P"/></Track>
+<Track name="Z" startIntersectionName="X"><XYCurve x="5"><Segment length="0"/></XYCurve></Track>
+</Tracks></SubNetwork></SubNetworks></Network></Ruvex>)");
+    const CommandRun run = Run("'" + file + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "");
+    std::istringstream lines(run.out);
+    std::vector<std::string> found;
+    for (std::string line; std::getline(lines, line);)
+        found.push_back(line);
+    ASSERT_EQ(found.size(), 6u) << run.out;
+    // Problems without a place of their own stand at the intersection, first in document order.
+    for (size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(found[i].rfind(file + ":3:", 0), 0u) << found[i];
+    EXPECT_NE(run.out.find("contour piece 1 names the track \"Lost\""), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("track \"Z\" meets it with no length"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("tracks \"A\" and \"B\" meet it at one point with one heading"), std::string::npos)
+        << run.out;
+    EXPECT_EQ(found[3], file +
+                            ":5:4: intersection \"X\": banned link names the track \"Ghost\", which the "
+                            "sub-network does not have");
+    EXPECT_EQ(found[4].rfind(file + ":6:2: ", 0), 0u) << found[4];
+    EXPECT_NE(found[4].find("the end of track \"A\", which does not meet it"), std::string::npos) << found[4];
+    EXPECT_NE(found[5].find("the lane \"Nope\" at the start of track \"B\""), std::string::npos) << found[5];
+}

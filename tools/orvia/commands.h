@@ -13,7 +13,8 @@ class Network;
 namespace Ruvex {
 template <class T>
 class CountedPtr;
-}
+struct Problem;
+}  // namespace Ruvex
 
 namespace OrviaTool {
 
@@ -118,6 +119,10 @@ std::string Printable(const std::string& text);
 
 // `text` as a JSON string, quotes included; controls (C1 too) escaped for the same reason.
 std::string JsonQuoted(const std::string& text);
+
+// Prints `problems` (of the description in `file`, not of this run) one per line on stderr; returns 1 when
+// there are any, 0 otherwise.
+int ReportProblems(const std::string& file, std::vector<Ruvex::Problem>& problems);
 
 // Prints the element layer's first error (or `fallback` about `file` when it recorded none) and returns 1.
 int Fail(const std::string& file, const std::string& fallback);

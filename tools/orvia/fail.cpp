@@ -60,6 +60,15 @@ std::string Printable(const std::string& text) {
     return out;
 }
 
+int ReportProblems(const std::string& file, std::vector<Ruvex::Problem>& problems) {
+    for (Ruvex::Problem& problem : problems) {
+        problem.file = file;
+        problem.warning = false;
+        std::fprintf(stderr, "%s\n", Printable(Ruvex::ToString(problem)).c_str());
+    }
+    return problems.empty() ? 0 : 1;
+}
+
 int Fail(const std::string& file, const std::string& fallback) {
     // The first error says what stopped the load; warnings before it only say what was overlooked.
     std::string line = file + ": " + fallback;

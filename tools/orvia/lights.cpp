@@ -181,12 +181,7 @@ int RunLights(const LightsOptions& options) {
         }
         if (options.json) std::printf("]}\n");
     }
-    for (Ruvex::Problem& problem : problems) {
-        problem.file = options.file;
-        problem.warning = false;  // a problem of the description, not of this run
-        std::fprintf(stderr, "%s\n", Printable(Ruvex::ToString(problem)).c_str());
-    }
-    return problems.empty() ? 0 : 1;
+    return ReportProblems(options.file, problems);
 }
 
 }  // namespace OrviaTool

@@ -140,12 +140,7 @@ int RunProfiles(const ProfilesOptions& options) {
         PrintJson(options.file, groups, problems);
     else
         PrintText(groups);
-    for (Ruvex::Problem& problem : problems) {
-        problem.file = options.file;
-        problem.warning = false;  // a problem of the description, not of this run
-        std::fprintf(stderr, "%s\n", Printable(Ruvex::ToString(problem)).c_str());
-    }
-    return problems.empty() ? 0 : 1;
+    return ReportProblems(options.file, problems);
 }
 
 }  // namespace OrviaTool

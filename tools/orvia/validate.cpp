@@ -4,6 +4,7 @@
 #include <orvia/core/network.h>
 #include <orvia/geometry/profile.h>
 #include <orvia/ruvex/factory.h>
+#include <orvia/topology/intersection.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/traffic/traffic_light.h>
 
@@ -58,10 +59,22 @@ void TrafficLightGroups(const Document& document, Problems& problems) {
     }
 }
 
+void Intersections(const Document& document, Problems& problems) {
+    if (!document.network) return;
+    for (size_t i = 0; i < document.network->GetSubNetworkCount(); ++i) {
+        const Orvia::SubNetwork* subNetwork = document.network->GetSubNetwork(i);
+        if (!subNetwork) continue;
+        for (size_t k = 0; k < subNetwork->GetIntersectionCount(); ++k)
+            if (const Orvia::Intersection* intersection = subNetwork->GetIntersectionByIndex(k))
+                for (const Orvia::IntersectionProblem& problem : intersection->CheckReferences())
+                    Add(problem, problems);
+    }
+}
+
 // Every check of a loaded document; a subsystem that learns to find problems adds its check here. What the
 // load itself reports (values that do not parse, rail names that resolve to nothing) needs no check: it is
 // collected before these run.
-constexpr Check kChecks[] = {ProfileStructure, TrafficLightGroups};
+constexpr Check kChecks[] = {ProfileStructure, TrafficLightGroups, Intersections};
 
 // The document's root with its runtime classes resolved: a network is post-loaded, a profile library has
 // its profiles built. False (after printing why) when the file holds nothing that loads.

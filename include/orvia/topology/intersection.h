@@ -48,6 +48,14 @@ struct LaneOnIntersectionData {
 // A lane connection from one lane end to another.
 using LaneConnection = std::pair<LaneOnIntersectionData, LaneOnIntersectionData>;
 
+// Something an intersection names that does not exist, or an arm that cannot be told apart or has no length,
+// with where it stood in its file (line and column 1-based; 0 when built in memory).
+struct IntersectionProblem {
+    std::string message;
+    size_t line = 0;
+    size_t column = 0;
+};
+
 // A lane connection as the file stores it: track, extremity word ("start" or "end") and lane of each side.
 // The sub-network index of its records is that of the sub-network it belongs to.
 class LanePair : public Ruvex::LanePairElement {
@@ -71,8 +79,15 @@ public:
     // All fields and the sub-network; nothing for null.
     void CopyFrom(const LanePair* other);
 
+    // Reads the record and remembers where it stood in the file.
+    bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
+    size_t GetSourceLine() const { return m_line; }
+    size_t GetSourceColumn() const { return m_column; }
+
 private:
     SubNetwork* m_subNetwork = nullptr;
+    size_t m_line = 0;
+    size_t m_column = 0;
 };
 
 // Tracks name the intersection at their ends; the intersection lists no tracks itself, so everything that
@@ -166,8 +181,21 @@ public:
     // Banned pairs and contour-piece anchors naming the track `oldName` name `newName` instead.
     void ReplaceTrackName(const std::string& oldName, const std::string& newName);
 
-    // The record is read by the legacy converter for documents up to kLegacyVersion.
+    // The record is read by the legacy converter for documents up to kLegacyVersion; the place in the file
+    // is remembered.
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
+    size_t GetSourceLine() const { return m_line; }
+    size_t GetSourceColumn() const { return m_column; }
+
+    // What the banned links, the explicit links' lane pairs and the contour pieces name that the sub-network
+    // does not hold (a track, the track's end at this node, a lane of the profile there), tracks meeting here
+    // without length (below kZeroLength), and arms that meet at one point (within kSamePoint) with one
+    // heading (within kSameHeading). In file order of the pairs, then the pieces, then the arms; a problem
+    // without a place of its own takes the intersection's.
+    std::vector<IntersectionProblem> CheckReferences() const;
+    static constexpr double kZeroLength = 1e-9;   // m
+    static constexpr double kSamePoint = 1e-6;    // m
+    static constexpr double kSameHeading = 1e-9;  // rad
 
 private:
     // A lane traffic can use through the node: of a drivable type, with a way (neither none nor both), wider
@@ -175,6 +203,9 @@ private:
     static bool IsDriveableLane(const Lane* lane);
     // Narrower lanes (m) carry no traffic through a node.
     static constexpr double kMinDriveableWidth = 1.0;
+
+    size_t m_line = 0;
+    size_t m_column = 0;
 };
 
 }  // namespace Orvia

@@ -1,0 +1,478 @@
+#include <orvia/core/network.h>
+#include <orvia/geometry/profile.h>
+#include <orvia/ruvex/factory.h>
+#include <orvia/topology/intersection.h>
+#include <orvia/topology/link.h>
+#include <orvia/topology/sub_network.h>
+#include <orvia/topology/track.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numbers>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using Orvia::Intersection;
+using Orvia::LaneConnection;
+using Orvia::LaneOnIntersectionData;
+using Orvia::Network;
+using Orvia::SubNetwork;
+using Orvia::Track;
+using Orvia::TrackExtremity;
+using Ruvex::CountedPtr;
+
+namespace {
+
+constexpr double kAngleToleranceRad = 1e-12;
+constexpr double kPi = std::numbers::pi;
+
+CountedPtr<Network> LoadNetwork(const std::string& subNetworkContent, const std::string& version = "2.5",
+                                const std::string& revision = "0") {
+    const std::string text = "<Ruvex version=\"" + version + "\" versionRevision=\"" + revision +
+                             "\"><Network><SubNetworks><SubNetwork name=\"S\">" + subNetworkContent +
+                             "</SubNetwork></SubNetworks></Network></Ruvex>";
+    CountedPtr<Network> network(Network::Load(text.c_str(), text.size(), {}));
+    EXPECT_TRUE(network);
+    return network;
+}
+
+// Right-hand traffic: along the track on the right lane, against it on the left one.
+const std::string kTwoWay = R"(<Profile name="TwoWay">
+  <Lane name="L" circulationWay="inverse"/><Lane name="R" circulationWay="direct"/>
+  <LaneBorder horizDistToAxis="-3.5"/><LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="3.5"/>
+</Profile>)";
+const std::string kOneWay = R"(<Profile name="OneWay">
+  <Lane name="A" circulationWay="direct"/><Lane name="B" circulationWay="direct"/>
+  <LaneBorder horizDistToAxis="-3.5"/><LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="3.5"/>
+</Profile>)";
+const std::string kWalk = R"(<Profile name="Walk">
+  <Lane name="WL" laneType="sidewalk" circulationWay="both"/><Lane name="L" circulationWay="inverse"/>
+  <Lane name="R" circulationWay="direct"/><Lane name="WR" laneType="sidewalk" circulationWay="both"/>
+  <LaneBorder horizDistToAxis="-5"/><LaneBorder horizDistToAxis="-3.5"/><LaneBorder horizDistToAxis="0"/>
+  <LaneBorder horizDistToAxis="3.5"/><LaneBorder horizDistToAxis="5"/>
+</Profile>)";
+
+std::string Num(double value) {
+    std::ostringstream out;
+    out.precision(17);
+    out << value;
+    return out.str();
+}
+
+// A straight track of `length` m from (x, y) heading `orientation`, one portion of `profile`.
+std::string TrackXml(const std::string& name, double x, double y, double orientation,
+                     const std::string& profile, const std::string& ends, double length = 100) {
+    return "<Track name=\"" + name + "\" " + ends + "><XYCurve x=\"" + Num(x) + "\" y=\"" + Num(y) +
+           "\" orientation=\"" + Num(orientation) + "\"><Segment length=\"" + Num(length) +
+           "\"/></XYCurve><Portion endDistance=\"" + Num(length) + "\" startProfileName=\"" + profile +
+           "\" endProfileName=\"" + profile + "\"/></Track>";
+}
+
+// Arms leaving X (at the origin) 10 m out towards the east, north, west and south, listed out of order.
+std::string Cross(const std::string& profile, const std::string& intersectionExtra = "") {
+    const std::string start = "startIntersectionName=\"X\"";
+    return "<Profiles>" + kTwoWay + kOneWay + kWalk + "</Profiles><Intersections><Intersection name=\"X\">" +
+           intersectionExtra + "</Intersection></Intersections><Tracks>" +
+           TrackXml("S", 0, -10, -kPi / 2, profile, start) + TrackXml("W", -10, 0, kPi, profile, start) +
+           TrackXml("E", 10, 0, 0, profile, start) + TrackXml("N", 0, 10, kPi / 2, profile, start) +
+           "</Tracks>";
+}
+
+LaneOnIntersectionData At(const std::string& track, bool atEnd, const std::string& lane) {
+    return LaneOnIntersectionData(track, atEnd, lane, 0);
+}
+
+std::vector<std::string> Names(const std::vector<TrackExtremity>& extremities) {
+    std::vector<std::string> names;
+    for (const TrackExtremity& e : extremities)
+        names.push_back(e.GetTrack()->GetName() + (e.IsEnd() ? ">" : "<"));
+    return names;
+}
+
+std::string Text(const LaneConnection& c) {
+    return c.first.trackName + "." + c.first.laneName + "-" + c.second.trackName + "." + c.second.laneName;
+}
+
+std::vector<std::string> Texts(const std::vector<LaneConnection>& connections) {
+    std::vector<std::string> texts;
+    for (const LaneConnection& c : connections)
+        texts.push_back(Text(c));
+    return texts;
+}
+
+}  // namespace
+
+TEST(TrackConnector, SortTracksGoesRoundCounterClockwise) {
+    CountedPtr<Network> network = LoadNetwork(Cross("TwoWay"));
+    ASSERT_TRUE(network);
+    Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+    std::vector<TrackExtremity> around;
+    x->BuildTrackArrayAroundIntersection(around);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"S<", "W<", "E<", "N<"}));
+
+    // Position 0 keeps what it held; the others hold the turn from the previous arm.
+    std::vector<double> angles{-1.0};
+    x->SortTracks(around, angles);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"E<", "N<", "W<", "S<"}));
+    ASSERT_EQ(angles.size(), 4u);
+    EXPECT_EQ(angles[0], -1.0);
+    for (size_t i = 1; i < 4; ++i)
+        EXPECT_NEAR(angles[i], kPi / 2, kAngleToleranceRad) << i;
+    EXPECT_NEAR(x->GetTrackAngle(around[3], around[0]), kPi / 2, kAngleToleranceRad);
+    EXPECT_NEAR(x->GetTrackAngle(around[0], around[3]), 3 * kPi / 2, kAngleToleranceRad);
+
+    // The first is the smallest turn from the arm onto +x: an arm just below the axis beats one just above.
+    Track* east = network->GetSubNetwork(0)->GetTrackByName("E");
+    Track* north = network->GetSubNetwork(0)->GetTrackByName("N");
+    x->SetPosition(vek::Vector3(0, 1, 0));
+    std::vector<TrackExtremity> pair{TrackExtremity(north, false), TrackExtremity(east, false)};
+    x->SortTracks(pair, angles);
+    EXPECT_EQ(Names(pair), (std::vector<std::string>{"E<", "N<"}));
+    x->SetPosition(vek::Vector3(0, -1, 0));
+    x->SortTracks(pair, angles);
+    EXPECT_EQ(Names(pair), (std::vector<std::string>{"N<", "E<"}));
+
+    // One arm: angle 0; none: nothing.
+    std::vector<TrackExtremity> one{TrackExtremity(east, false)};
+    angles = {5.0, 5.0};
+    x->SortTracks(one, angles);
+    EXPECT_EQ(angles, std::vector<double>{0.0});
+    std::vector<TrackExtremity> none;
+    x->SortTracks(none, angles);
+    EXPECT_TRUE(angles.empty());
+}
+
+TEST(TrackConnector, GetDirectionUsesTheCrossedProfile) {
+    // Two portions: symmetric first, all to the right last (middle at +3.5 m, i.e. 3.5 m towards -y here).
+    const std::string profiles = "<Profiles>" + kTwoWay + kOneWay + R"(<Profile name="Right">
+  <Lane name="A"/><LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="7"/></Profile></Profiles>)";
+    CountedPtr<Network> network = LoadNetwork(profiles + R"(<Intersections><Intersection name="X"/>
+<Intersection name="Y" x="100"/></Intersections><Tracks>
+<Track name="T" startIntersectionName="X" endIntersectionName="Y"><XYCurve><Segment length="100"/></XYCurve>
+<Portion endDistance="50" startProfileName="TwoWay" endProfileName="TwoWay"/>
+<Portion endDistance="100" startProfileName="Right" endProfileName="Right"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Track* t = s->GetTrackByName("T");
+    vek::Vector2 d;
+    // The start takes the last portion's profile, the end the first portion's.
+    ASSERT_TRUE(s->GetIntersectionByName("X")->GetDirection(d, TrackExtremity(t, false)));
+    EXPECT_NEAR(d.x, 0, 1e-9);
+    EXPECT_NEAR(d.y, -3.5, 1e-9);
+    ASSERT_TRUE(s->GetIntersectionByName("Y")->GetDirection(d, TrackExtremity(t, true)));
+    EXPECT_NEAR(d.x, 0, 1e-9);
+    EXPECT_NEAR(d.y, 0, 1e-9);
+    EXPECT_FALSE(s->GetIntersectionByName("Y")->GetDirection(d, TrackExtremity(nullptr, true)));
+}
+
+TEST(Intersection, FourArmCrossConnections) {
+    CountedPtr<Network> network = LoadNetwork(Cross("TwoWay"));
+    ASSERT_TRUE(network);
+    Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+
+    // Every incoming left lane to every outgoing right lane, its own arm included, in gathering order.
+    std::vector<LaneConnection> all;
+    x->ComputeAllConnections(all);
+    std::vector<std::string> expected;
+    for (const char* from : {"S", "W", "E", "N"})
+        for (const char* to : {"S", "W", "E", "N"})
+            expected.push_back(std::string(from) + ".L-" + to + ".R");
+    EXPECT_EQ(Texts(all), expected);
+    EXPECT_TRUE(x->AreCompatibleLanes(At("E", false, "L"), At("N", false, "R")));
+    EXPECT_FALSE(x->AreCompatibleLanes(At("E", false, "R"), At("N", false, "R")));  // runs out of the node
+    EXPECT_FALSE(x->AreCompatibleLanes(At("E", false, "L"), At("N", false, "L")));  // runs into it
+    EXPECT_FALSE(x->AreCompatibleLanes(At("E", true, "L"), At("N", false, "R")));   // no lane at E's end
+    EXPECT_FALSE(x->AreCompatibleLanes(At("E", false, "Q"), At("N", false, "R")));
+    EXPECT_FALSE(x->AreCompatibleLanes(At("Nowhere", false, "L"), At("N", false, "R")));
+    EXPECT_FALSE(x->AreCompatibleLanes(LaneOnIntersectionData("E", false, "L", 7), At("N", false, "R")));
+
+    // Banning one pair bans exactly that one, once.
+    EXPECT_TRUE(x->BanLink(At("E", false, "L"), At("N", false, "R")));
+    EXPECT_FALSE(x->BanLink(At("E", false, "L"), At("N", false, "R")));
+    EXPECT_EQ(x->GetBannedLinksCount(), 1u);
+    ASSERT_NE(x->GetBannedLink(0), nullptr);
+    EXPECT_EQ(x->GetBannedLink(0)->GetFromTrackBoundInfo(), "start");
+    std::vector<LaneConnection> open;
+    x->GetNonlinkedLanesPairs(open);
+    std::vector<std::string> left = expected;
+    std::erase(left, "E.L-N.R");
+    EXPECT_EQ(Texts(open), left);
+    for (const LaneConnection& c : all)
+        EXPECT_EQ(x->IsBannedLink(c.first, c.second), Text(c) == "E.L-N.R") << Text(c);
+    EXPECT_FALSE(x->IsBannedLink(At("N", false, "R"), At("E", false, "L")));
+    EXPECT_FALSE(x->IsBannedLink(At("E", true, "L"), At("N", false, "R")));
+
+    // An explicit link covers its pairs; a pair ending elsewhere covers nothing.
+    Orvia::Link* link = x->createLink();
+    ASSERT_NE(link, nullptr);
+    EXPECT_EQ(x->getLink(0), link);
+    Ruvex::CountedPtr<Ruvex::LanePairElement> pair(new Orvia::LanePair);
+    pair->SetFromTrack("S");
+    pair->SetFromLane("L");
+    pair->SetToTrack("W");
+    pair->SetToLane("R");
+    link->EditLanePairs().push_back(pair);
+    Ruvex::CountedPtr<Ruvex::LanePairElement> elsewhere(new Orvia::LanePair);
+    elsewhere->SetFromTrack("S");
+    elsewhere->SetFromLane("L");
+    elsewhere->SetToTrack("W");
+    elsewhere->SetToTrackBoundInfo("end");
+    elsewhere->SetToLane("R");
+    link->EditLanePairs().push_back(elsewhere);
+    x->GetNonlinkedLanesPairs(open);
+    std::erase(left, "S.L-W.R");
+    EXPECT_EQ(Texts(open), left);
+
+    EXPECT_TRUE(x->AllowLink(At("E", false, "L"), At("N", false, "R")));
+    EXPECT_FALSE(x->AllowLink(At("E", false, "L"), At("N", false, "R")));
+    x->BanLink(At("W", false, "L"), At("S", false, "R"));
+    x->BanAllLinks();
+    EXPECT_EQ(x->GetBannedLinksCount(), 16u);
+    x->GetNonlinkedLanesPairs(open);
+    EXPECT_TRUE(open.empty());
+    x->AllowAllLinks();
+    EXPECT_EQ(x->GetBannedLinksCount(), 0u);
+
+    // Banned links are saved and read back as they were.
+    x->BanLink(At("E", false, "L"), At("N", false, "R"));
+    const std::string saved = Ruvex::SaveToString(network.Get());
+    CountedPtr<Network> reloaded(Network::Load(saved.c_str(), saved.size(), {}));
+    ASSERT_TRUE(reloaded);
+    Intersection* again = reloaded->GetSubNetwork(0)->GetIntersectionByName("X");
+    EXPECT_EQ(again->GetBannedLinksCount(), 1u);
+    EXPECT_TRUE(again->IsBannedLink(At("E", false, "L"), At("N", false, "R")));
+}
+
+TEST(Intersection, TeeWithAOneWayArm) {
+    // E and W carry both ways; S only leaves the node.
+    const std::string start = "startIntersectionName=\"T\"";
+    CountedPtr<Network> network = LoadNetwork(
+        "<Profiles>" + kTwoWay + kOneWay +
+        "</Profiles><Intersections><Intersection name=\"T\"/></Intersections><Tracks>" +
+        TrackXml("E", 10, 0, 0, "TwoWay", start) + TrackXml("S", 0, -10, -kPi / 2, "OneWay", start) +
+        // W comes into the node: its right lane runs towards it.
+        TrackXml("W", -110, 0, 0, "TwoWay", "endIntersectionName=\"T\"") + "</Tracks>");
+    ASSERT_TRUE(network);
+    Intersection* t = network->GetSubNetwork(0)->GetIntersectionByName("T");
+    std::vector<LaneConnection> all;
+    t->ComputeAllConnections(all);
+    EXPECT_EQ(Texts(all), (std::vector<std::string>{"E.L-E.R", "E.L-S.A", "E.L-S.B", "E.L-W.L", "W.R-E.R",
+                                                    "W.R-S.A", "W.R-S.B", "W.R-W.L"}));
+    EXPECT_TRUE(all[3].second.atTrackEnd);
+
+    std::vector<TrackExtremity> around;
+    t->GetTracksArroundConnector(around, true);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"E<", "W>", "S<"}));
+    t->GetTracksArroundConnector(around, false);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"E<", "S<", "W>"}));
+}
+
+TEST(Intersection, SidewalksGoRoundTheCorner) {
+    // W comes in (its end at the node); the others leave. Around the node: E, N, W, S.
+    const std::string start = "startIntersectionName=\"X\"";
+    CountedPtr<Network> network =
+        LoadNetwork("<Profiles>" + kWalk +
+                    "</Profiles><Intersections><Intersection name=\"X\"/></Intersections><Tracks>" +
+                    TrackXml("E", 10, 0, 0, "Walk", start) + TrackXml("N", 0, 10, kPi / 2, "Walk", start) +
+                    TrackXml("W", -110, 0, 0, "Walk", "endIntersectionName=\"X\"") +
+                    TrackXml("S", 0, -10, -kPi / 2, "Walk", start) + "</Tracks>");
+    ASSERT_TRUE(network);
+    Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+    // Looking out of each arm, its left sidewalk meets the right one of the next arm counter-clockwise.
+    // At W's end the sides swap: its left sidewalk (north) is the corner with N.
+    struct Case {
+        LaneOnIntersectionData from, to;
+        bool expected;
+    };
+    const Case cases[] = {
+        {At("E", false, "WL"), At("N", false, "WR"), true},   // north-east corner
+        {At("E", false, "WL"), At("N", false, "WL"), false},  // the far side of N
+        {At("E", false, "WL"), At("S", false, "WR"), false},  // S is the previous arm
+        {At("E", false, "WR"), At("S", false, "WL"), true},   // south-east corner
+        {At("N", false, "WL"), At("W", true, "WL"), true},    // north-west corner, W at its end
+        {At("N", false, "WL"), At("W", true, "WR"), false},
+        {At("W", true, "WL"), At("N", false, "WL"), true},  // from an end: previous arm
+        {At("W", true, "WR"), At("S", false, "WR"), true},  // from an end: next arm
+        {At("W", true, "WR"), At("N", false, "WL"), false},
+        {At("E", false, "WL"), At("N", false, "R"), false},  // a sidewalk leads to sidewalks only
+        {At("E", false, "WL"), At("E", false, "WR"), false},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(x->AreCompatibleLanes(c.from, c.to), c.expected)
+            << c.from.trackName << "." << c.from.laneName << " -> " << c.to.trackName << "." << c.to.laneName;
+}
+
+TEST(Intersection, DefaultSelfBansFollowTheTrackEnd) {
+    // Three compatible lanes; the intersection already bans one unrelated pair.
+    const std::string three = R"(<Profile name="Three"><Lane name="a"/><Lane name="b"/><Lane name="c"/>
+<LaneBorder horizDistToAxis="-3"/><LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="3"/>
+<LaneBorder horizDistToAxis="6"/></Profile>)";
+    CountedPtr<Network> network = LoadNetwork(
+        "<Profiles>" + three + kTwoWay + "</Profiles><Intersections><Intersection name=\"X\"><BannedLinks>" +
+        R"(<LanePair fromTrack="U" fromLane="L" toTrack="U" toLane="R"/></BannedLinks></Intersection>
+<Intersection name="Y"/></Intersections><Tracks>)" +
+        TrackXml("T", 0, 0, 0, "Three", "") +
+        TrackXml("U", 0, 0, 0, "TwoWay", "startIntersectionName=\"X\"") + "</Tracks>");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Intersection* x = s->GetIntersectionByName("X");
+    Intersection* y = s->GetIntersectionByName("Y");
+    Track* t = s->GetTrackByName("T");
+    // Post-load links without touching the saved bans.
+    EXPECT_EQ(x->GetBannedLinksCount(), 1u);
+
+    t->SetEndIntersection(x);
+    ASSERT_EQ(x->GetBannedLinksCount(), 7u);
+    for (const char* from : {"a", "b", "c"})
+        for (const char* to : {"a", "b", "c"})
+            EXPECT_EQ(x->IsBannedLink(At("T", true, from), At("T", true, to)), std::string(from) != to);
+    t->SetEndIntersection(x);  // unchanged: nothing more
+    EXPECT_EQ(x->GetBannedLinksCount(), 7u);
+
+    // Moving the end takes exactly those six along; the start is another extremity.
+    t->SetStartIntersection(x);
+    EXPECT_EQ(x->GetBannedLinksCount(), 13u);
+    t->SetEndIntersection(y);
+    EXPECT_EQ(x->GetBannedLinksCount(), 7u);
+    EXPECT_EQ(y->GetBannedLinksCount(), 6u);
+    EXPECT_TRUE(x->IsBannedLink(At("U", false, "L"), At("U", false, "R")));
+    EXPECT_TRUE(x->IsBannedLink(At("T", false, "a"), At("T", false, "b")));
+    t->SetStartIntersection(nullptr);
+    t->SetEndIntersection(nullptr);
+    EXPECT_EQ(x->GetBannedLinksCount(), 1u);
+    EXPECT_EQ(y->GetBannedLinksCount(), 0u);
+    x->UpdateBannedTrackSelfLinks(nullptr, true, false);
+    EXPECT_EQ(x->GetBannedLinksCount(), 1u);
+
+    // Renaming the track renames it in the bans of its nodes.
+    Track* u = s->GetTrackByName("U");
+    u->SetName("V");
+    EXPECT_TRUE(x->IsBannedLink(At("V", false, "L"), At("V", false, "R")));
+}
+
+TEST(Intersection, NamesAndExtremities) {
+    CountedPtr<Network> network = LoadNetwork(R"(<Intersections><Intersection name="X"><Contours>
+<ContourPiece startAnchorTrack="A" endAnchorTrack="B"/><ContourPiece startAnchorTrack="B" endAnchorTrack="A"/>
+</Contours><BannedLinks><LanePair fromTrack="A" toTrack="B"/></BannedLinks></Intersection>
+<Intersection name="Z"/><Intersection/></Intersections><Tracks>
+<Track name="A" startIntersectionName="X" endIntersectionName="X"/><Track name="B" endIntersectionName="X"/>
+<Track name="C" startIntersectionName="Z"/><Track name="D" endIntersectionName=""/></Tracks>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Intersection* x = s->GetIntersectionByName("X");
+    std::vector<TrackExtremity> around;
+    x->BuildTrackArrayAroundIntersection(around);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"A<", "A>", "B>"}));
+    // A nameless intersection gathers nothing, not even the free ends.
+    s->GetIntersectionByIndex(2)->BuildTrackArrayAroundIntersection(around);
+    EXPECT_TRUE(around.empty());
+    const std::vector<Track*> only{s->GetTrackByName("B"), nullptr};
+    x->BuildTrackArrayAroundIntersection(only, around);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"B>"}));
+
+    // Renaming renames the ends that named it, and only those.
+    x->SetName("Square");
+    EXPECT_EQ(s->GetTrackByName("A")->GetStartIntersectionName(), "Square");
+    EXPECT_EQ(s->GetTrackByName("A")->GetEndIntersectionName(), "Square");
+    EXPECT_EQ(s->GetTrackByName("B")->GetEndIntersectionName(), "Square");
+    EXPECT_EQ(s->GetTrackByName("B")->GetStartIntersectionName(), "");
+    EXPECT_EQ(s->GetTrackByName("C")->GetStartIntersectionName(), "Z");
+
+    x->ReplaceTrackName("A", "A2");
+    EXPECT_EQ(x->GetContourPieces()[0]->GetStartAnchorTrack(), "A2");
+    EXPECT_EQ(x->GetContourPieces()[0]->GetEndAnchorTrack(), "B");
+    EXPECT_EQ(x->GetContourPieces()[1]->GetEndAnchorTrack(), "A2");
+    EXPECT_EQ(x->GetBannedLink(0)->GetFromTrack(), "A2");
+    EXPECT_EQ(x->GetBannedLink(0)->GetToTrack(), "B");
+}
+
+TEST(Intersection, DriveableLanes) {
+    // Drivable: a, e, g. Not: b (both ways), c (sidewalk), d (exactly 1 m), f (no way), h (median).
+    CountedPtr<Network> network =
+        LoadNetwork(R"(<Profiles><Profile name="P">
+<Lane name="a"/><Lane name="b" circulationWay="both"/><Lane name="c" laneType="sidewalk"/><Lane name="d"/>
+<Lane name="e" laneType="zebra" circulationWay="inverse"/><Lane name="f" laneType="paved major" circulationWay="none"/>
+<Lane name="g" laneType="emergency"/><Lane name="h" laneType="median"/>
+<LaneBorder horizDistToAxis="-10"/><LaneBorder horizDistToAxis="-6.5"/><LaneBorder horizDistToAxis="-3"/>
+<LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="1"/><LaneBorder horizDistToAxis="3"/>
+<LaneBorder horizDistToAxis="6"/><LaneBorder horizDistToAxis="7.5"/><LaneBorder horizDistToAxis="10"/>
+</Profile></Profiles><Intersections><Intersection name="X"/></Intersections><Tracks>)" +
+                    TrackXml("T", 0, 0, 0, "P", "") + "<Track name=\"Bare\"/></Tracks>");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    const Intersection* x = s->GetIntersectionByName("X");
+    EXPECT_EQ(x->GetNumberOfDriveableLanes(TrackExtremity(s->GetTrackByName("T"), false)), 3u);
+    EXPECT_EQ(x->GetNumberOfDriveableLanes(TrackExtremity(s->GetTrackByName("T"), true)), 3u);
+    EXPECT_EQ(x->GetNumberOfDriveableLanes(TrackExtremity(s->GetTrackByName("Bare"), true)), 0u);
+    EXPECT_EQ(x->GetNumberOfDriveableLanes(TrackExtremity()), 0u);
+}
+
+TEST(Intersection, DegenerateInput) {
+    // A and B leave X from one point with one heading; Z has no length; Bare has no geometry nor portion;
+    // the banned link and the contour piece name a track that does not exist.
+    const std::string start = "startIntersectionName=\"X\"";
+    CountedPtr<Network> network =
+        LoadNetwork("<Profiles>" + kTwoWay + R"(</Profiles><Intersections><Intersection name="X"><Contours>
+<ContourPiece startAnchorTrack="Ghost" endAnchorTrack="A"/></Contours><BannedLinks>
+<LanePair fromTrack="Ghost" fromLane="L" toTrack="A" toLane="Nope"/></BannedLinks></Intersection></Intersections>
+<Tracks>)" + TrackXml("A", 10, 0, 0, "TwoWay", start) +
+                    TrackXml("B", 10, 0, 0, "TwoWay", start) + TrackXml("Z", 0, -10, 0, "TwoWay", start, 0) +
+                    "<Track name=\"Bare\" " + start + "/></Tracks>");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Intersection* x = s->GetIntersectionByName("X");
+    std::vector<TrackExtremity> around;
+    x->GetTracksArroundConnector(around, true);
+    // Ties keep the list order; the shapeless tracks sit where their (degenerate) directions put them.
+    ASSERT_EQ(around.size(), 4u);
+    const std::vector<std::string> names = Names(around);
+    const auto a = std::find(names.begin(), names.end(), "A<");
+    ASSERT_NE(a, names.end());
+    ASSERT_NE(a + 1, names.end());
+    EXPECT_EQ(*(a + 1), "B<");
+    std::vector<double> angles;
+    x->SortTracks(around, angles);
+    EXPECT_EQ(angles[static_cast<size_t>(a - names.begin()) + 1], 0.0);
+
+    std::vector<LaneConnection> all;
+    x->ComputeAllConnections(all);
+    EXPECT_EQ(all.size(), 9u);  // L to R among A, B and Z
+    EXPECT_TRUE(x->IsBannedLink(At("Ghost", false, "L"), At("A", false, "Nope")));
+    x->GetNonlinkedLanesPairs(all);
+    EXPECT_EQ(all.size(), 9u);
+    x->UpdateBannedTrackSelfLinks(s->GetTrackByName("Bare"), false, false);
+    EXPECT_EQ(x->GetBannedLinksCount(), 1u);
+
+    // Without a sub-network nothing is gathered.
+    CountedPtr<Intersection> loose(new Intersection);
+    loose->SetName("X");
+    loose->GetTracksArroundConnector(around, true);
+    EXPECT_TRUE(around.empty());
+    loose->ComputeAllConnections(all);
+    EXPECT_TRUE(all.empty());
+    EXPECT_FALSE(loose->AreCompatibleLanes(At("A", false, "L"), At("B", false, "R")));
+}
+
+TEST(Intersection, OldDocumentsGoThroughTheConverter) {
+    // Up to 2.4.1 the converter reads the intersection; from 2.4.2 its record does. The layouts agree.
+    const std::string content =
+        R"(<Intersections><Intersection name="X" x="1" altitude="2" contourPoints="0 0 1 0 1 1"
+  contourInterpolations="0 1 0" drawMarkingInsideIntersection="true"><BannedLinks>
+<LanePair fromTrack="A" fromTrackBoundInfo="end" fromLane="L" toTrack="B" toLane="R"/></BannedLinks>
+</Intersection></Intersections>)";
+    for (const char* revision : {"1", "2"}) {
+        CountedPtr<Network> network = LoadNetwork(content, "2.4", revision);
+        ASSERT_TRUE(network) << revision;
+        EXPECT_EQ(network->GetFormatVersion(), Ruvex::MakeVersionID(2, 4, revision[0] - '0'));
+        const Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+        ASSERT_NE(x, nullptr) << revision;
+        EXPECT_EQ(x->GetPosition(), vek::Vector3(1, 0, 0)) << revision;
+        EXPECT_EQ(x->GetAltitude(), 2.0) << revision;
+        EXPECT_TRUE(x->GetDrawInsideMarking()) << revision;
+        EXPECT_TRUE(x->IsInterpolationSpline(1)) << revision;
+        EXPECT_TRUE(x->IsBannedLink(At("A", true, "L"), At("B", false, "R"))) << revision;
+    }
+    EXPECT_EQ(Intersection::kLegacyVersion, Ruvex::MakeVersionID(2, 4, 1));
+}
