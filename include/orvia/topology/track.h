@@ -224,6 +224,12 @@ public:
     // The first entry named `name` exactly, or null.
     TrackClippedData* GetClippedDataByName(const char* name) const;
 
+private:
+    // Each clipped data entry takes this track and its sub-network and validates (post-load and validation).
+    void AttachClippedData();
+    void InvalidateClippedData();
+
+public:
     // A copy with no sub-network (count 0; the caller owns it).
     Track* Clone() const;
     void CopyFrom(const Track* other);
@@ -244,9 +250,6 @@ protected:
 
 private:
     void RefreshPortionView();
-    // Each clipped data entry takes this track and its sub-network and validates (post-load and validation).
-    void AttachClippedData();
-    void InvalidateClippedData();
     // Link an end without touching the nodes' banned links.
     void LinkStart(Intersection* intersection);
     void LinkEnd(Intersection* intersection);
