@@ -294,3 +294,29 @@ TEST(SubNetwork, BadClippedDataAndJunctionsLoadAndAreReported) {
     EXPECT_TRUE(network->GetSubNetwork(0)->RemoveTrack(size_t{0}));
     EXPECT_EQ(network->GetSubNetworkJunctionCount(), 0u);
 }
+
+TEST(SubNetwork, MergeWithRenamesIncomingMembersAndTheirUsers) {
+    CountedPtr<Network> network = Load(kModel);
+    ASSERT_TRUE(network);
+    SubNetwork* a = network->GetSubNetwork(0);
+    // A copy of A's content under another name: every member collides.
+    CountedPtr<Network> twin = Load(kModel);
+    ASSERT_TRUE(twin);
+    SubNetwork* b = twin->GetSubNetwork(0);
+    a->MergeWith(b);
+    Orvia::Profile* incoming = a->GetProfileByName("Road 1");
+    ASSERT_TRUE(incoming);
+    EXPECT_EQ(incoming->GetLane(0)->GetMaterial(), a->GetMaterialByName("Asphalt 1"));
+    EXPECT_EQ(incoming->GetLane(0)->GetGround(), a->GetGroundByName("Gravel 1"));
+    EXPECT_EQ(incoming->GetLaneBorder(0)->GetMarking(), a->GetMarkingByName("Solid 1"));
+    EXPECT_EQ(a->GetMarkingByName("Solid 1")->GetMaterial(), a->GetMaterialByName("Paint 1"));
+    EXPECT_EQ(a->GetIntersectionByName("X 1")->GetMaterial(), a->GetMaterialByName("Asphalt 1"));
+    EXPECT_EQ(a->GetTrajectoryByName("Path 1")->GetPart(0), a->GetTrajectoryPartByName("Lane change 1"));
+    EXPECT_EQ(a->GetTrajectoryByName("Path 1")->GetPieces()[0]->GetTrajectoryPartName(), "Lane change 1");
+    EXPECT_EQ(a->GetEntitiesGenerationByName("Trees 1")->GetAreaName(), "Park 1");
+    ASSERT_EQ(a->GetClippedDataCount(), 2u);
+    EXPECT_EQ(a->GetClippedData(1)->GetQualifiedName(), "A//Statue");
+    EXPECT_EQ(b->GetClippedDataCount() + b->GetMarkClippedData().size(), 0u);
+    EXPECT_TRUE(b->GetPedestrianNetwork());  // A has its own
+    ExpectReloadsTheSame(network.Get());
+}
