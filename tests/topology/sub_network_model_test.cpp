@@ -17,6 +17,11 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
 #include <string>
 #include <vector>
 
@@ -319,4 +324,37 @@ TEST(SubNetwork, MergeWithRenamesIncomingMembersAndTheirUsers) {
     EXPECT_EQ(b->GetClippedDataCount() + b->GetMarkClippedData().size(), 0u);
     EXPECT_TRUE(b->GetPedestrianNetwork());  // A has its own
     ExpectReloadsTheSame(network.Get());
+}
+
+TEST(SubNetwork, ProxyLoadsFromItsFileAndSavesBackToIt) {
+    namespace fs = std::filesystem;
+    const fs::path dir = fs::temp_directory_path() / ("orvia_proxy_" + std::to_string(::getpid()));
+    fs::create_directories(dir);
+    const std::string part = (dir / "part.xml").string();
+    std::ofstream(part) << R"(<Ruvex version="2.5"><SubNetwork name="Stored">
+<Intersections><Intersection name="X"/></Intersections>
+<Tracks><Track name="T" startIntersectionName="X"><XYCurve><Segment length="10"/></XYCurve></Track></Tracks>
+</SubNetwork></Ruvex>)";
+    CountedPtr<Network> network = Load(R"(<Ruvex version="2.5"><Network><SubNetworks>
+<SubNetwork name="P" x="5"><ProxyFile filePath="part.xml"/></SubNetwork></SubNetworks></Network></Ruvex>)");
+    ASSERT_TRUE(network);
+    SubNetwork* p = network->GetSubNetwork(0);
+    const std::string reference = Ruvex::SaveToString(network.Get());
+    ASSERT_TRUE(p->IsProxy());
+    EXPECT_FALSE(p->LoadProxy({}));  // not beside the working directory
+    ASSERT_TRUE(p->LoadProxy({(dir / "nowhere").string(), dir.string()}));
+    EXPECT_TRUE(p->IsProxyLoaded());
+    EXPECT_EQ(p->GetName(), "P");
+    Track* t = p->GetTrackByName("T");
+    ASSERT_TRUE(t);
+    EXPECT_EQ(t->GetStartIntersection(), p->GetIntersectionByName("X"));
+    // The network keeps the reference only; the edited content goes back to its file.
+    EXPECT_EQ(Ruvex::SaveToString(network.Get()), reference);
+    p->CreateTrack("Added");
+    ASSERT_TRUE(p->SaveProxy());
+    p->UnloadProxy();
+    EXPECT_EQ(p->GetTrackCount() + p->GetIntersectionCount(), 0u);
+    ASSERT_TRUE(p->LoadProxy({dir.string()}));
+    EXPECT_TRUE(p->GetTrackByName("Added"));
+    fs::remove_all(dir);
 }

@@ -253,6 +253,23 @@ public:
     // Null for null.
     Profile* GetOrCreateInverse(Profile* profile, bool keepWay);
 
+    // Proxy: a sub-network whose content lives in a file of its own (a document whose root is a sub-network),
+    // named by its proxy file element. LoadProxy looks the path up as given, then against each search
+    // directory, then beside the network's file; it replaces the content by the file's, which is post-loaded
+    // here. While the content is loaded from the file, saving the network writes the reference only, and
+    // SaveProxy writes the content back to the file it came from (or to the path as given). UnloadProxy drops
+    // the content; junction exits on its tracks are left unresolved.
+    bool IsProxy() const;
+    bool IsProxyLoaded() const { return m_proxyLoaded; }
+    bool LoadProxy(const std::vector<std::string>& searchPaths);
+    void UnloadProxy();
+    bool SaveProxy();
+    void SetProxyFile(ExternalElement* file);
+    // "" without a proxy file.
+    std::string GetProxyFilePath() const;
+    // Makes a proxy file element with the path, or removes it for an empty path.
+    void SetProxyFilePath(const std::string& path);
+
     // Files; null when absent.
     ExternalElement* GetProxyFile() const;
     ExternalElement* GetTerrain() const;
@@ -285,6 +302,8 @@ public:
     void SymmetrizeRespectYAxis();
 
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
+    // A proxy whose content came from its file writes the reference only.
+    Ruvex::IDOMElement* BuildXMLElement(Ruvex::IDOMParser* parser) override;
 
 protected:
     // A track clipped data in the sub-network's own list lies on no track: it is kept as written, with a
@@ -294,6 +313,11 @@ protected:
 private:
     // Profiles and markings resolve marking, ground and material names again.
     void ResolveProfileReferences();
+    // Exchanges everything but the name, the placement and the proxy file with `other`.
+    void SwapContent(SubNetwork& other);
+
+    bool m_proxyLoaded = false;
+    std::string m_proxyLoadedFrom;
 
     Network* m_network = nullptr;
 };
