@@ -3,6 +3,7 @@
 #include <orvia/core/external_element.h>
 #include <orvia/core/library.h>
 #include <orvia/core/network.h>
+#include <orvia/core/visitors.h>
 #include <orvia/ruvex/factory.h>
 #include <orvia/topology/connector.h>
 #include <orvia/topology/sub_network.h>
@@ -91,6 +92,15 @@ bool SubNetwork::LoadProxy(const std::vector<std::string>& searchPaths) {
     PostLoad(m_network, searchPaths);
     m_proxyLoaded = true;
     m_proxyLoadedFrom = path;
+    return true;
+}
+
+bool SubNetwork::LoadProxyAndMakeAbsolutPaths(const std::vector<std::string>& searchPaths) {
+    if (!LoadProxy(searchPaths)) return false;
+    std::vector<std::string> directories = searchPaths;
+    // The file was found: its own directory resolves the proxy path whatever the search list holds.
+    directories.insert(directories.begin(), std::filesystem::path(m_proxyLoadedFrom).parent_path().string());
+    PathModeVisitor(PathModeVisitor::eAbsolute, directories).Apply(this);
     return true;
 }
 

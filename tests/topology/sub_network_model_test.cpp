@@ -354,7 +354,8 @@ TEST(SubNetwork, ProxyLoadsFromItsFileAndSavesBackToIt) {
     ASSERT_TRUE(p->SaveProxy());
     p->UnloadProxy();
     EXPECT_EQ(p->GetTrackCount() + p->GetIntersectionCount(), 0u);
-    ASSERT_TRUE(p->LoadProxy({dir.string()}));
+    ASSERT_TRUE(p->LoadProxyAndMakeAbsolutPaths({dir.string()}));
     EXPECT_TRUE(p->GetTrackByName("Added"));
+    EXPECT_TRUE(fs::path(p->GetProxyFilePath()).is_absolute()) << p->GetProxyFilePath();
     fs::remove_all(dir);
 }

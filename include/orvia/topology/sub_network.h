@@ -262,6 +262,9 @@ public:
     bool IsProxy() const;
     bool IsProxyLoaded() const { return m_proxyLoaded; }
     bool LoadProxy(const std::vector<std::string>& searchPaths);
+    // LoadProxy, then every file path of the sub-network (its proxy path included) made absolute against the
+    // search directories, the proxy file's directory first.
+    bool LoadProxyAndMakeAbsolutPaths(const std::vector<std::string>& searchPaths);
     void UnloadProxy();
     bool SaveProxy();
     void SetProxyFile(ExternalElement* file);
