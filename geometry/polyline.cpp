@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "golden_section.h"
 
@@ -86,8 +87,34 @@ vek::Vector2 PolyLine::SplineEndTangent() const {
     return UnitOr(m_controlPoints[n - 1] - m_controlPoints[n - 2], {1, 0});
 }
 
+bool PolyLine::IsBuiltFromCurrent() const {
+    const BuiltFrom& b = m_builtFrom;
+    // The tangent bit for bit: a NaN that stays a NaN is no change.
+    return b.valid && b.pointCount == m_controlPoints.size() && b.type == m_Type &&
+           std::memcmp(&b.endTangent, &m_EndTangent, sizeof(double)) == 0 &&
+           b.constrainPosition == m_constrainPosition && b.constrainOrientation == m_constrainOrientation;
+}
+
+void PolyLine::SetStartPosition(const vek::Vector2& position) {
+    m_moving = IsBuiltFromCurrent();
+    ParametricFunction::SetStartPosition(position);
+    m_moving = false;
+}
+
+void PolyLine::SetStartOrientation(double orientation) {
+    m_moving = IsBuiltFromCurrent();
+    ParametricFunction::SetStartOrientation(orientation);
+    m_moving = false;
+}
+
 void PolyLine::DataChanged() {
+    if (m_moving) {
+        ParametricFunction::DataChanged();
+        return;
+    }
     PolyLineCommonData::DataChanged();
+    m_builtFrom = {m_controlPoints.size(), m_Type,        m_EndTangent, m_constrainPosition,
+                   m_constrainOrientation, /*valid=*/true};
     m_curve.reset();
     m_beziers.clear();
     if (m_controlPoints.size() < 3) return;
@@ -178,6 +205,10 @@ void PolyLine::InvertLocalData() {
 }
 
 void PolyLine::ComputeNaturalEndTangent() {
+    // Asked again of a curve that has not changed (every validation of a track asks), it finds the same
+    // tangent: nothing to rebuild.
+    const bool current = IsBuiltFromCurrent();
+    const double before = m_EndTangent;
     const size_t n = m_controlPoints.size();
     if (n >= 2) {
         std::unique_ptr<vek::Trajectory> curve;
@@ -195,6 +226,7 @@ void PolyLine::ComputeNaturalEndTangent() {
         else
             m_EndTangent = m_orientations.empty() ? 0 : m_orientations.back();
     }
+    if (current && std::memcmp(&before, &m_EndTangent, sizeof(double)) == 0) return;
     DataChanged();
 }
 

@@ -210,15 +210,22 @@ Lane* Profile::GetLaneByName(const char* name) const {
 }
 
 Lane* Profile::GetLaneWithDistance(double d) const {
+    return GetLane(GetLaneIndexWithDistance(d));
+}
+
+size_t Profile::GetLaneIndexWithDistance(double d) const {
     const size_t lanes = m_lanes.size();
-    if (lanes == 0) return nullptr;
+    if (lanes == 0) return npos;
     // A count that does not match leaves the lanes without a right border out of the scan.
     const size_t scanned = std::min(lanes, m_borders.empty() ? 0 : m_borders.size() - 1);
-    for (size_t i = 0; i < scanned; ++i) {
+    // Backwards without an early exit, so that the first match wins and the loop has no branch on d: which
+    // lane a distance falls in is seldom the same twice in a row.
+    size_t found = lanes - 1;
+    for (size_t i = scanned; i-- > 0;) {
         const LaneBorder* right = m_borders[i + 1];
-        if (right && right->m_HorizDistToAxis >= d) return m_lanes[i];
+        found = right && right->m_HorizDistToAxis >= d ? i : found;
     }
-    return m_lanes[lanes - 1];
+    return found;
 }
 
 std::string Profile::GetUniqueLaneName(const std::string& requested) const {

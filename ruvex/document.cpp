@@ -302,13 +302,15 @@ Element* Load(const char* pathOrText, bool fromMemory) {
         return nullptr;
     }
     // Checked before any object exists: loading and destroying the tree then never recurse deeper.
-    if (pugi::xml_node deep = detail::FindElementDeeperThan(document.doc(), kMaxNestingDepth)) {
+    const size_t problemsBefore = document.problems().size();
+    if (pugi::xml_node deep = document.CheckElements(kMaxNestingDepth)) {
+        // A document refused for its depth reports that alone, not the repeats met on the way.
+        document.problems().resize(problemsBefore);
         document.ReportAt(deep.offset_debug(),
                           "elements are nested deeper than " + std::to_string(kMaxNestingDepth) + " levels");
         problems = document.problems();
         return nullptr;
     }
-    document.DropRepeatedAttributes();
     return LoadDocument(document, problems);
 }
 

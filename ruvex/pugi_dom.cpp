@@ -192,23 +192,6 @@ std::pair<size_t, size_t> PugiDocument::LineColumn(ptrdiff_t offset) const {
     return m_input.PlaceOfParsed(static_cast<size_t>(offset));
 }
 
-pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth) {
-    // pugixml walks the tree itself, without recursion: one call per node here instead of a few into it.
-    struct Walker : pugi::xml_tree_walker {
-        size_t maxDepth = 0;
-        pugi::xml_node found;
-        bool for_each(pugi::xml_node& node) override {
-            // depth() is 0 for the children of `top`, which are level 1.
-            if (static_cast<size_t>(depth()) < maxDepth || node.type() != pugi::node_element) return true;
-            found = node;
-            return false;
-        }
-    } walker;
-    walker.maxDepth = maxDepth;
-    top.traverse(walker);
-    return walker.found;
-}
-
 namespace {
 
 // The common case, no name given twice, answered with one call into pugixml per attribute and a first-letter
@@ -229,11 +212,13 @@ bool HasRepeatedName(pugi::xml_attribute first) {
 
 }  // namespace
 
-void PugiDocument::DropRepeatedAttributes() {
+pugi::xml_node PugiDocument::CheckElements(size_t maxDepth) {
     // No recursion: down to the first child, else on to the next sibling of the nearest ancestor that has
-    // one.
+    // one. `depth` is the level of `node`, the document's children being level 1.
     pugi::xml_node node = m_doc.first_child();
+    size_t depth = 1;
     while (node) {
+        if (depth > maxDepth && node.type() == pugi::node_element) return node;
         pugi::xml_attribute first = node.first_attribute();
         if (first && first.next_attribute() && HasRepeatedName(first)) {
             for (pugi::xml_attribute a = first.next_attribute(); a;) {
@@ -252,12 +237,16 @@ void PugiDocument::DropRepeatedAttributes() {
         }
         if (pugi::xml_node child = node.first_child()) {
             node = child;
+            ++depth;
             continue;
         }
-        while (node && !node.next_sibling())
+        while (node && !node.next_sibling()) {
             node = node.parent();
+            --depth;
+        }
         if (node) node = node.next_sibling();
     }
+    return {};
 }
 
 void ForEachNode(IDOMElement* element, void* context, void (*visit)(void*, IDOMElement*)) {

@@ -25,10 +25,6 @@ class PugiDocument;
 // file that grows meanwhile is read to its end all the same.
 bool ReadDocumentFile(const char* path, ParseBuffer& buffer);
 
-// The first element, in document order, nested deeper than `maxDepth` levels (the children of `top` being
-// level 1); empty when there is none. Walks without recursion.
-pugi::xml_node FindElementDeeperThan(pugi::xml_node top, size_t maxDepth);
-
 class PugiNode final : public TypedAttributes<PugiNode> {
 public:
     PugiNode(pugi::xml_node node, PugiDocument* document) : m_node(node), m_document(document) {}
@@ -79,8 +75,11 @@ public:
     // them.
     bool Parse(ParseBuffer buffer, TextOrigin origin);
     void SetVersion(uint32_t version) { m_version = version; }
-    // An attribute given twice on one element makes no well-formed text: the later ones go, with a warning.
-    void DropRepeatedAttributes();
+    // One walk over the document before any object exists. An attribute given twice on one element makes no
+    // well-formed text: the later ones go, with a warning. Returns the first element, in document order,
+    // nested deeper than `maxDepth` levels (the document's children being level 1), where the walk stops;
+    // empty when there is none.
+    pugi::xml_node CheckElements(size_t maxDepth);
     PugiNode* Wrap(pugi::xml_node node);
     std::pair<size_t, size_t> LineColumn(ptrdiff_t offset) const;
     void ReportAt(ptrdiff_t offset, std::string message);

@@ -1,5 +1,6 @@
 #include <orvia/topology/intersection.h>
 
+#include <orvia/core/element_copy.h>
 #include <orvia/core/legacy_converter.h>
 #include <orvia/core/network.h>
 #include <orvia/geometry/profile.h>
@@ -8,6 +9,7 @@
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace Orvia {
@@ -111,10 +113,7 @@ Intersection::~Intersection() = default;
 
 void Intersection::GetTracksArroundConnector(std::vector<TrackExtremity>& out, bool sorted) const {
     out.clear();
-    BuildTrackArrayAroundIntersection(out);
-    if (!sorted) return;
-    std::vector<double> angles;
-    SortTracks(out, angles);
+    if (m_subNetwork) m_subNetwork->GetTracksArroundIntersection(this, out, sorted);
 }
 
 void Intersection::SetMaterial(const vek::Material& material) {
@@ -299,6 +298,49 @@ void Intersection::UpdateBannedTrackSelfLinks(Track* track, bool atEnd, bool rem
     }
 }
 
+void Intersection::GetRemovedLinksFromTrackRemoval(const Track* track,
+                                                   std::vector<LaneConnection>& out) const {
+    out.clear();
+    if (!track) return;
+    const uint64_t subNetworkIndex = IndexOf(m_subNetwork);
+    for (const auto& pair : m_BannedLinks) {
+        if (!pair || (pair->GetFromTrack() != track->GetName() && pair->GetToTrack() != track->GetName()))
+            continue;
+        out.emplace_back(
+            LaneOnIntersectionData(pair->GetFromTrack(), pair->GetFromTrackBoundInfo() == kEndWord,
+                                   pair->GetFromLane(), subNetworkIndex),
+            LaneOnIntersectionData(pair->GetToTrack(), pair->GetToTrackBoundInfo() == kEndWord,
+                                   pair->GetToLane(), subNetworkIndex));
+    }
+}
+
+void Intersection::RemoveLinks(const std::vector<LaneConnection>& pairs) {
+    for (const auto& [from, to] : pairs)
+        AllowLink(from, to);
+}
+
+Lane* Intersection::FindLane(size_t trackIndex, size_t laneIndex) const {
+    std::vector<TrackExtremity> extremities;
+    BuildTrackArrayAroundIntersection(extremities);
+    const Profile* profile = trackIndex < extremities.size() ? extremities[trackIndex].GetProfile() : nullptr;
+    return profile ? profile->GetLane(laneIndex) : nullptr;
+}
+
+bool Intersection::FindTrackAndLaneIndex(const Lane* lane, size_t& trackIndex, size_t& laneIndex) const {
+    if (!lane) return false;
+    std::vector<TrackExtremity> extremities;
+    BuildTrackArrayAroundIntersection(extremities);
+    for (size_t i = 0; i < extremities.size(); ++i) {
+        const Profile* profile = extremities[i].GetProfile();
+        const size_t index = profile ? profile->GetLaneIndex(lane) : Profile::npos;
+        if (index == Profile::npos) continue;
+        trackIndex = i;
+        laneIndex = index;
+        return true;
+    }
+    return false;
+}
+
 Link* Intersection::createLink() {
     auto* link = new Link;
     m_Links.push_back(Ruvex::CountedPtr<Ruvex::LinkElement>(link));
@@ -312,6 +354,43 @@ Link* Intersection::getLink(size_t index) const {
 MarkClippedData* Intersection::GetClippedData(size_t index) const {
     return index < m_ClippedData.size() ? dynamic_cast<MarkClippedData*>(m_ClippedData[index].Get())
                                         : nullptr;
+}
+
+void Intersection::AddClippedData(MarkClippedData* data) {
+    if (data) m_ClippedData.push_back(Ruvex::CountedPtr<Ruvex::MarkClippedDataElement>(data));
+}
+
+bool Intersection::RemoveClippedData(size_t first, size_t count) {
+    if (first >= m_ClippedData.size()) return false;
+    const size_t last = first + std::min(count, m_ClippedData.size() - first);
+    m_ClippedData.erase(m_ClippedData.begin() + static_cast<std::ptrdiff_t>(first),
+                        m_ClippedData.begin() + static_cast<std::ptrdiff_t>(last));
+    return true;
+}
+
+size_t Intersection::GetClippedDataIndex(const MarkClippedData* data) const {
+    for (size_t i = 0; i < m_ClippedData.size(); ++i)
+        if (data && m_ClippedData[i].Get() == static_cast<const Ruvex::MarkClippedDataElement*>(data))
+            return i;
+    return npos;
+}
+
+Intersection* Intersection::Clone() const {
+    auto* copy = new Intersection;
+    copy->CopyFrom(this);
+    return copy;
+}
+
+void Intersection::CopyFrom(const Intersection* other) {
+    if (!other || other == this) return;
+    m_ContourPieces.clear();
+    m_BannedLinks.clear();
+    m_Links.clear();
+    m_ClippedData.clear();
+    CopyElementContent(*other, *this);
+    // The copied pairs are ours.
+    SetInSubNetwork(m_subNetwork);
+    Invalidate();
 }
 
 void Intersection::SetName(const std::string& name) {

@@ -93,6 +93,28 @@ Track* SubNetwork::CreateTrack(const std::string& requested) {
     return track.Get();
 }
 
+Track* SubNetwork::CreateTrackInJunction(const std::string& requested) {
+    Ruvex::CountedPtr<Track> track(new Track(this));
+    track->SetName(GetUniqueTrackName(requested));
+    m_junctionTracks.push_back(track);
+    return track.Get();
+}
+
+Track* SubNetwork::GetDerivedJunctionTrack(size_t index) const {
+    return index < m_junctionTracks.size() ? m_junctionTracks[index].Get() : nullptr;
+}
+
+void SubNetwork::AddJunctionProfile(Profile* profile) {
+    if (!profile) return;
+    profile->SetParentSubNetwork(this);
+    m_junctionProfiles.emplace_back(profile);
+}
+
+void SubNetwork::ClearJunctionSpace() {
+    m_junctionTracks.clear();
+    m_junctionProfiles.clear();
+}
+
 // ---- Intersections
 
 Intersection* SubNetwork::GetIntersectionByIndex(size_t index) const {
@@ -137,8 +159,59 @@ ExternalElement* SubNetwork::GetPhysicalSurface() const {
     return dynamic_cast<ExternalElement*>(m_PhysicalSurfaceElement.Get());
 }
 
+namespace {
+
+std::string ReadText(const Ruvex::IDOMElement* element, std::string_view attribute) {
+    std::string value;
+    element->ReadAttribute(attribute, value);
+    return value;
+}
+
+// Post-load attaches a portion naming an unknown profile to the first profile and leaves a border modifier
+// of a border the profile lacks out of the geometry, silently: said here, where the file's places are known.
+void WarnAboutPortions(const SubNetwork& subNetwork, Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    auto children = [](Ruvex::IDOMElement* parent, std::string_view tag, auto&& visit) {
+        for (Ruvex::IDOMElement* child = parent->GetFirstChild(); child; child = child->GetNextSibling())
+            if (child->GetTagName() == tag) visit(child);
+    };
+    // A document without profiles describes the axes alone: its portions have nothing to name.
+    const Profile* first = subNetwork.GetProfile(0);
+    if (!first) return;
+    auto resolve = [&](Ruvex::IDOMElement* portion, std::string_view attribute) -> const Profile* {
+        const std::string name = ReadText(portion, attribute);
+        if (const Profile* profile = subNetwork.GetProfileByName(name)) return profile;
+        parser->ReportWarning(portion, "<Portion> names the profile \"" + name +
+                                           "\", which the sub-network does not hold: its first profile \"" +
+                                           first->GetName() + "\" stands in");
+        return first;
+    };
+    children(element, "Tracks", [&](Ruvex::IDOMElement* tracks) {
+        children(tracks, "Track", [&](Ruvex::IDOMElement* track) {
+            children(track, "Portion", [&](Ruvex::IDOMElement* portion) {
+                const Profile* start = resolve(portion, "startProfileName");
+                resolve(portion, "endProfileName");
+                const size_t borders = start ? start->GetLaneBorderCount() : 0;
+                children(portion, "ProfileModifier", [&](Ruvex::IDOMElement* modifier) {
+                    children(modifier, "BorderModifier", [&](Ruvex::IDOMElement* border) {
+                        uint64_t id = 0;
+                        if (border->ReadAttribute("id", id) != Ruvex::AttributeStatus::Ok || id < borders)
+                            return;
+                        parser->ReportWarning(border,
+                                              "<BorderModifier> moves border " + std::to_string(id) +
+                                                  ", which the portion's start profile lacks (it has " +
+                                                  std::to_string(borders) + "): it bends nothing");
+                    });
+                });
+            });
+        });
+    });
+}
+
+}  // namespace
+
 bool SubNetwork::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
     if (!SubNetworkElement::LoadFromXMLElement(element, parser)) return false;
+    WarnAboutPortions(*this, element, parser);
     ExternalElement::Adopt(m_ProxyFileElement);
     ExternalElement::Adopt(m_TerrainElement);
     ExternalElement::Adopt(m_RollingSurfaceElement);
@@ -420,7 +493,8 @@ Profile* SubNetwork::GetOrCreateInverse(Profile* profile, bool keepWay) {
     copy->Invert(keepWay);
     for (size_t i = 0; i < m_Profiles.size(); ++i)
         if (Profile* existing = GetProfile(i); existing && existing->IsEqual(copy.Get())) return existing;
-    copy->SetName(ToggleSuffix(profile->GetName(), keepWay ? " Invert" : " ch way"));
+    const std::string inverted = ToggleSuffix(profile->GetName(), " Invert");
+    copy->SetName(keepWay ? inverted : ToggleSuffix(inverted, " ch way"));
     AddProfile(copy.Get());
     return copy.Get();
 }

@@ -125,13 +125,6 @@ bool SameContent(const Ruvex::Element& a, const Ruvex::Element& b) {
 
 // ---- Tracks
 
-Track* SubNetwork::CreateTrackInJunction(const std::string& requested) {
-    Ruvex::CountedPtr<Track> track(new Track(this));
-    track->SetName(GetUniqueName(requested, m_JunctionTracks));
-    m_JunctionTracks.push_back(track);
-    return track.Get();
-}
-
 Track* SubNetwork::GetJunctionTrack(size_t index) const {
     return At<Track>(m_JunctionTracks, index);
 }

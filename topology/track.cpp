@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <string_view>
 #include <typeinfo>
 
@@ -35,26 +36,25 @@ struct CrossValues {
 
 // The rule of the lane at t between borders (lo, lh) and (ro, rh). The ratio tests |t|, not |t - lo|: lanes
 // away from the axis thus read as flat beyond one lane width, which the files written so far rely on.
+// Written as selects rather than branches: t and the lane it falls in vary from one query to the next.
 CrossValues CrossFromBorders(double t, double lo, double lh, double ro, double rh) {
-    CrossValues values;
     const double w = ro - lo;
-    if (std::fabs(w) < Track::kNarrowLane) {
-        values.height = 0.5 * (lh + rh);
-        return values;
-    }
-    values.slope = -(rh - lh) / w;
-    if (std::fabs(t) / std::fabs(w) < 1)
-        values.height = lh + (std::fabs(t - lo) / std::fabs(w)) * (rh - lh);
-    else
-        values.height = t - lo < lo ? lh : rh;
-    return values;
+    const double width = std::fabs(w);
+    const double rise = rh - lh;
+    const bool narrow = width < Track::kNarrowLane;
+    const double inside = lh + (std::fabs(t - lo) / width) * rise;
+    const double outside = t - lo < lo ? lh : rh;
+    const double height = std::fabs(t) / width < 1 ? inside : outside;
+    return {narrow ? 0.0 : -rise / w, narrow ? 0.5 * (lh + rh) : height};
 }
 
+// The lane's borders by index: the lane itself is not read, and its keys need no search among the lanes.
 CrossValues CrossOfProfile(const Profile* profile, double t) {
-    const Lane* lane = profile ? profile->GetLaneWithDistance(t) : nullptr;
-    if (!lane) return {};
-    const LaneBorder* left = lane->GetLeftKey();
-    const LaneBorder* right = lane->GetRightKey();
+    if (!profile) return {};
+    const size_t lane = profile->GetLaneIndexWithDistance(t);
+    if (!profile->GetLane(lane)) return {};
+    const LaneBorder* left = profile->GetLaneBorder(lane);
+    const LaneBorder* right = profile->GetLaneBorder(lane + 1);
     return CrossFromBorders(t, left ? left->GetHorizDistToAxis() : 0.0,
                             left ? left->GetVertDistToAxis() : 0.0, right ? right->GetHorizDistToAxis() : 0.0,
                             right ? right->GetVertDistToAxis() : 0.0);
@@ -163,27 +163,52 @@ Network* Track::GetNetwork() const {
     return m_subNetwork ? m_subNetwork->GetNetwork() : nullptr;
 }
 
-Curve2D* Track::GetXYCurve() const {
-    return As<Curve2D>(m_XYCurve.Get());
+namespace {
+
+template <class Typed, class Record, class View>
+inline Typed* Viewed(const Ruvex::CountedPtr<Record>& record, const View& view) {
+    return record.Get() == view.held.Get() ? view.typed : As<Typed>(record.Get());
 }
 
-CartesianCurve* Track::Longitudinal(const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
-                                    const Ruvex::CountedPtr<CartesianCurve>& fallback) const {
-    CartesianCurve* curve = As<CartesianCurve>(record.Get());
+template <class Typed, class Record, class View>
+void Refresh(const Ruvex::CountedPtr<Record>& record, View& view) {
+    if (record.Get() == view.held.Get()) return;
+    view.held = record;
+    view.typed = As<Typed>(record.Get());
+}
+
+}  // namespace
+
+void Track::RefreshCurveViews() {
+    Refresh<Curve2D>(m_XYCurve, m_xyView);
+    Refresh<CartesianCurve>(m_SZCurve, m_szView);
+    Refresh<CartesianCurve>(m_BankingCurve, m_bankingView);
+    Refresh<CartesianCurve>(m_SZCurvatureCurve, m_szCurvatureView);
+}
+
+Curve2D* Track::GetXYCurve() const {
+    return Viewed<Curve2D>(m_XYCurve, m_xyView);
+}
+
+inline CartesianCurve* Track::Longitudinal(
+    const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
+    const CurveView<CartesianCurve, Ruvex::CartesianCurveElement>& view,
+    const Ruvex::CountedPtr<CartesianCurve>& fallback) const {
+    CartesianCurve* curve = Viewed<CartesianCurve>(record, view);
     if (curve && curve->GetFunctionCount() > 0) return curve;
     return fallback ? fallback.Get() : curve;
 }
 
 CartesianCurve* Track::GetSZCurve() const {
-    return Longitudinal(m_SZCurve, m_defaultSZ);
+    return Longitudinal(m_SZCurve, m_szView, m_defaultSZ);
 }
 
 CartesianCurve* Track::GetBankingCurve() const {
-    return Longitudinal(m_BankingCurve, m_defaultBanking);
+    return Longitudinal(m_BankingCurve, m_bankingView, m_defaultBanking);
 }
 
 CartesianCurve* Track::GetSZCurvatureCurve() const {
-    return Longitudinal(m_SZCurvatureCurve, m_defaultSZCurvature);
+    return Longitudinal(m_SZCurvatureCurve, m_szCurvatureView, m_defaultSZCurvature);
 }
 
 void Track::UpdateCacheData() {
@@ -210,7 +235,8 @@ bool Track::Validate() {
         SetBoundingMargin(m_maxWidth);
         AttachClippedData();
     }
-    if (!axisWasValid || !IsBoundingBoxValid()) BuildBoundingBox();
+    // The box samples every piece a hundred times: built on its first query, not at every load.
+    if (!axisWasValid) InvalidateBoundingBox();
     return true;
 }
 
@@ -224,6 +250,7 @@ void Track::Invalidate() {
 }
 
 bool Track::ValidateAxis() {
+    RefreshCurveViews();
     if (IsAxisValid()) return true;
     Curve2D* xy = GetXYCurve();
     if (!xy || xy->GetFunctionCount() == 0) return false;
@@ -272,6 +299,39 @@ double Track::GetBanking(double s) const {
     return f ? f->GetValue(s) : 0.0;
 }
 
+double Track::GetBankingTangent(double s) const {
+    const CartesianCurve* banking = GetBankingCurve();
+    const PolynomialFunction* f = banking ? banking->GetFunctionAt(s) : nullptr;
+    return f ? f->GetDerivative(s) : 0.0;
+}
+
+double Track::GetXYCurvature(double s, double t) const {
+    const Curve2D* xy = GetXYCurve();
+    PointData pd;
+    return xy && xy->GetPointData(s, t, pd) ? pd.curvature : 0.0;
+}
+
+double Track::GetSZCurvature(double s) const {
+    const CartesianCurve* sz = GetSZCurve();
+    const PolynomialFunction* f = sz ? sz->GetFunctionAt(s) : nullptr;
+    return f ? f->GetCurvature(s) : 0.0;
+}
+
+size_t Track::GetXYFunctionIndex(double s, double& startAbscissa) const {
+    const Curve2D* xy = GetXYCurve();
+    return xy ? xy->GetFunctionIndex(s, startAbscissa) : npos;
+}
+
+vek::Vector3 Track::GetOffsetIn() const {
+    if (!m_startIntersection) return {};
+    return TrackExtremity(const_cast<Track*>(this), false).GetPosition() - m_startIntersection->GetPosition();
+}
+
+vek::Vector3 Track::GetOffsetOut() const {
+    if (!m_endIntersection) return {};
+    return TrackExtremity(const_cast<Track*>(this), true).GetPosition() - m_endIntersection->GetPosition();
+}
+
 vek::Box3 Track::GetBoundingBox() const {
     vek::Box3 box;
     const_cast<Track*>(this)->Axis::GetBoundingBox(box);
@@ -281,15 +341,23 @@ vek::Box3 Track::GetBoundingBox() const {
 // ---------------------------------------------------------------------------------------------------------------
 // Track: queries
 
-size_t Track::GetPortionIndexAt(double s) const {
-    const size_t n = m_Portions.size();
-    if (n == 0) return npos;
-    auto end = [this](size_t i) { return m_Portions[i] ? m_Portions[i]->GetEndDistance() : 0.0; };
+namespace {
+
+using PortionList = std::vector<Ruvex::CountedPtr<Ruvex::PortionElement>>;
+
+inline double PortionEnd(const PortionList& portions, size_t i) {
+    return portions[i] ? portions[i]->GetEndDistance() : 0.0;
+}
+
+// Here rather than a member so that the queries of this file inline it.
+inline size_t PortionIndexAt(const PortionList& portions, double s) {
+    const size_t n = portions.size();
+    if (n == 0) return Track::npos;
     auto bisect = [&](size_t lo, size_t hi) {
         for (;;) {
             const size_t k = lo + (hi - lo) / 2;
-            if (s <= end(k)) {
-                if (k == 0 || end(k - 1) <= s) return k;
+            if (s <= PortionEnd(portions, k)) {
+                if (k == 0 || PortionEnd(portions, k - 1) <= s) return k;
                 if (k == lo) return lo;
                 hi = k;
             } else {
@@ -299,34 +367,53 @@ size_t Track::GetPortionIndexAt(double s) const {
         }
     };
     const size_t m = n / 2;
-    if (s > end(m)) return m == n - 1 ? n - 1 : bisect(m, n);
-    if (n > 1 && end(m - 1) > s) return bisect(0, m);
+    if (s > PortionEnd(portions, m)) return m == n - 1 ? n - 1 : bisect(m, n);
+    if (n > 1 && PortionEnd(portions, m - 1) > s) return bisect(0, m);
     return m;
 }
 
+inline double PortionStart(const PortionList& portions, size_t index) {
+    return index == 0 || index > portions.size() ? 0.0 : PortionEnd(portions, index - 1);
+}
+
+}  // namespace
+
+size_t Track::GetPortionIndexAt(double s) const {
+    return PortionIndexAt(m_Portions, s);
+}
+
 double Track::GetPortionStart(size_t index) const {
-    if (index == 0 || index > m_Portions.size()) return 0.0;
-    return m_Portions[index - 1] ? m_Portions[index - 1]->GetEndDistance() : 0.0;
+    return PortionStart(m_Portions, index);
 }
 
 bool Track::GetMark(vek::Mark& mark, double s, const double& t) const {
+    // Every look-up comes before the horizontal sampling: their loads then overlap with it instead of waiting
+    // for it (the curves and portions of a track are seldom in cache).
     const Curve2D* xy = GetXYCurve();
-    PointData pd;
-    if (!xy || !xy->GetPointData(s, t, pd)) return false;
-    double z = 0, p = 0;
+    if (!xy) return false;
     const CartesianCurve* sz = GetSZCurve();
-    if (const PolynomialFunction* f = sz ? sz->GetFunctionAt(s) : nullptr) {
-        z = f->GetValue(s);
-        p = f->GetDerivative(s);
+    const PolynomialFunction* elevation = sz ? sz->GetFunctionAt(s) : nullptr;
+    const PolynomialFunction* bankingPiece = nullptr;
+    size_t index = npos;
+    if (t != 0) {
+        const CartesianCurve* bankingCurve = GetBankingCurve();
+        bankingPiece = bankingCurve ? bankingCurve->GetFunctionAt(s) : nullptr;
+        index = PortionIndexAt(m_Portions, s);
+    }
+    PointData pd;
+    if (!xy->GetPointData(s, t, pd)) return false;
+    double z = 0, p = 0;
+    if (elevation) {
+        z = elevation->GetValue(s);
+        p = elevation->GetDerivative(s);
     }
     double roll = 0;
     if (t != 0) {
-        const double banking = GetBanking(s);
+        const double banking = bankingPiece ? bankingPiece->GetValue(s) : 0.0;
         z = ApplyBankingOnAltitude(z, t, banking);
         roll = banking;
-        const size_t index = GetPortionIndexAt(s);
         if (const Portion* portion = GetPortion(index)) {
-            const double start = GetPortionStart(index);
+            const double start = PortionStart(m_Portions, index);
             const double length = portion->GetEndDistance() - start;
             if (length >= kShortPortion) {
                 const double r = (s - start) / length;
@@ -335,6 +422,11 @@ bool Track::GetMark(vek::Mark& mark, double s, const double& t) const {
                 // The portion keeps modified borders only between profiles with the same borders.
                 if (a && b && portion->HasModifiedBorders()) {
                     const CrossValues values = CrossOfModifiedPortion(*portion, s - start, r, t);
+                    roll += values.slope;
+                    z += values.height;
+                } else if (a == b) {
+                    // Most portions keep one profile: nothing to blend.
+                    const CrossValues values = CrossOfProfile(a, t);
                     roll += values.slope;
                     z += values.height;
                 } else {
@@ -355,14 +447,14 @@ bool Track::GetMark(vek::Mark& mark, double s, const double& t) const {
 
 bool Track::GetWidthAt(double s, double& left, double& right) const {
     left = right = 0;
-    size_t index = GetPortionIndexAt(s);
+    size_t index = PortionIndexAt(m_Portions, s);
     const Portion* portion = GetPortion(index);
     if (!portion) {
         index = 0;
         portion = GetFirstPortion();
     }
     if (!portion) return false;
-    const double start = GetPortionStart(index);
+    const double start = PortionStart(m_Portions, index);
     const double d = portion->GetEndDistance() - start;
     const double r = d < kShortPortionWidth ? 0.0 : (s - start) / d;
     const Profile* a = portion->GetStartProfile();
@@ -400,30 +492,24 @@ void Track::SetName(const std::string& name) {
 // The default elevation runs between the two nodes' altitudes: a new node rebuilds it. Turning back into
 // the same track end is banned by default at the new node, and those bans leave the old one.
 void Track::SetStartIntersection(Intersection* intersection) {
-    if (intersection != m_startIntersection) {
-        if (m_startIntersection) m_startIntersection->UpdateBannedTrackSelfLinks(this, false, true);
-        if (intersection) intersection->UpdateBannedTrackSelfLinks(this, false, false);
+    if (intersection == m_startIntersection) return;
+    if (m_startIntersection) {
+        m_startIntersection->UpdateBannedTrackSelfLinks(this, false, true);
+        m_startIntersection->Invalidate();
     }
-    LinkStart(intersection);
-}
-
-void Track::SetEndIntersection(Intersection* intersection) {
-    if (intersection != m_endIntersection) {
-        if (m_endIntersection) m_endIntersection->UpdateBannedTrackSelfLinks(this, true, true);
-        if (intersection) intersection->UpdateBannedTrackSelfLinks(this, true, false);
-    }
-    LinkEnd(intersection);
-}
-
-void Track::LinkStart(Intersection* intersection) {
-    if (m_startIntersection) m_startIntersection->Invalidate();
+    if (intersection) intersection->UpdateBannedTrackSelfLinks(this, false, false);
     m_startIntersection = intersection;
     m_StartIntersectionName = intersection ? intersection->GetName() : std::string();
     Invalidate();
 }
 
-void Track::LinkEnd(Intersection* intersection) {
-    if (m_endIntersection) m_endIntersection->Invalidate();
+void Track::SetEndIntersection(Intersection* intersection) {
+    if (intersection == m_endIntersection) return;
+    if (m_endIntersection) {
+        m_endIntersection->UpdateBannedTrackSelfLinks(this, true, true);
+        m_endIntersection->Invalidate();
+    }
+    if (intersection) intersection->UpdateBannedTrackSelfLinks(this, true, false);
     m_endIntersection = intersection;
     m_EndIntersectionName = intersection ? intersection->GetName() : std::string();
     Invalidate();
@@ -703,10 +789,10 @@ void Track::PostLoad(SubNetwork* subNetwork) {
     // An empty name is a free end, whatever an unnamed intersection may exist. The banned links were saved
     // with the file: linking here leaves them as they are.
     if (!m_StartIntersectionName.empty())
-        if (Intersection* start = subNetwork->GetIntersectionByName(m_StartIntersectionName))
-            LinkStart(start);
+        m_startIntersection = subNetwork->GetIntersectionByName(m_StartIntersectionName);
     if (!m_EndIntersectionName.empty())
-        if (Intersection* end = subNetwork->GetIntersectionByName(m_EndIntersectionName)) LinkEnd(end);
+        m_endIntersection = subNetwork->GetIntersectionByName(m_EndIntersectionName);
+    Invalidate();
     UpdatePortion();
     AttachClippedData();
 }
@@ -730,7 +816,44 @@ bool Track::LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* p
     if (version < kBankingSignVersion)
         if (CartesianCurve* banking = As<CartesianCurve>(m_BankingCurve.Get())) banking->InvertY();
     RefreshPortionView();
+    if (loaded) CheckPortionDistances(element, parser);
     return loaded;
+}
+
+// Portions are read as tiling the axis in increasing order: an end that is not a distance, or that goes back,
+// becomes the end before it (the portion is empty); portions beyond the axis are only said, since queries
+// there extrapolate anyway.
+void Track::CheckPortionDistances(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) {
+    std::vector<Ruvex::IDOMElement*> places;
+    for (Ruvex::IDOMElement* child = element->GetFirstChild(); child; child = child->GetNextSibling())
+        if (child->GetTagName() == "Portion") places.push_back(child);
+    // Without one place per portion the warnings could point at the wrong element.
+    if (places.size() != m_Portions.size()) places.assign(m_Portions.size(), element);
+    double previous = 0;
+    for (size_t i = 0; i < m_Portions.size(); ++i) {
+        Ruvex::PortionElement* portion = m_Portions[i].Get();
+        if (!portion) continue;
+        const double end = portion->GetEndDistance();
+        if (!(end >= previous)) {
+            char text[200];
+            std::snprintf(
+                text, sizeof text,
+                "attribute \"endDistance\" of <Portion> is %.17g, not at or after its start %.17g: read "
+                "as %.17g",
+                end, previous, previous);
+            parser->ReportWarning(places[i], text);
+            portion->SetEndDistance(previous);
+        }
+        previous = portion->GetEndDistance();
+    }
+    const Curve2D* xy = GetXYCurve();
+    const double length = xy ? xy->GetLength() : 0.0;
+    if (!m_Portions.empty() && xy && previous > length + kPortionOverrun) {
+        char text[160];
+        std::snprintf(text, sizeof text, "the portions of <Track> run to %.17g, beyond its length %.17g",
+                      previous, length);
+        parser->ReportWarning(places.back(), text);
+    }
 }
 
 bool Track::LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) {

@@ -5,6 +5,7 @@
 #include <orvia/topology/clipped_data.h>
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/sub_network.h>
+#include <orvia/topology/track.h>
 #include <orvia/traffic/road_sign.h>
 #include <orvia/traffic/traffic_light.h>
 
@@ -458,6 +459,18 @@ bool TrafficLightGroup::GetAllTrafficLightAnimations(
     return !out.empty();
 }
 
+namespace {
+
+// A sign clipped on a track, the tracks taken in order; then one placed at an intersection.
+ClippedData* FindSign(const SubNetwork& subNetwork, const std::string& name) {
+    for (size_t i = 0; i < subNetwork.GetTrackCount(); ++i)
+        if (const Track* track = subNetwork.GetTrack(i))
+            if (ClippedData* sign = track->GetClippedDataByName(name.c_str())) return sign;
+    return subNetwork.GetClippedDataByName(name);
+}
+
+}  // namespace
+
 bool TrafficLightGroup::PostLoad(SubNetwork* subNetwork) {
     if (!subNetwork) return false;
     m_subNetwork = subNetwork;
@@ -471,7 +484,7 @@ bool TrafficLightGroup::PostLoad(SubNetwork* subNetwork) {
 
     for (size_t i = m_animations.size(); i-- > 0;) {
         TrafficLightAnimation& animation = *m_animations[i];
-        ClippedData* trafficLight = subNetwork->GetClippedDataByName(animation.GetRoadSignName());
+        ClippedData* trafficLight = FindSign(*subNetwork, animation.GetRoadSignName());
         if (!trafficLight) {
             problem(animation, "traffic light group \"" + GetName() + "\": no sign \"" +
                                    animation.GetRoadSignName() +

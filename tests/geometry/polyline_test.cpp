@@ -264,3 +264,44 @@ TEST(PolyLine, CopyAndEquality) {
     copy->SetType(EType::ClampedSpline);
     EXPECT_FALSE(copy->IsEqual(line.Get()));
 }
+
+TEST(PolyLine, MovesRebuildWhatWaitsForARebuild) {
+    const std::vector<vek::Vector2> points = {{0, 0}, {10, 2}, {20, 5}, {25, 15}};
+    Ruvex::CountedPtr<PolyLine> line(MakePolyLine(EType::ClampedSpline, points));
+    line->SetEndTangent(1.0);
+    Ruvex::CountedPtr<PolyLine> fresh(line->Clone());
+    // A plain move: the same curve, placed elsewhere.
+    line->SetStartPosition({100, 50});
+    line->SetStartOrientation(0.5);
+    fresh->SetStartPosition({100, 50});
+    fresh->SetStartOrientation(0.5);
+    EXPECT_EQ(line->GetLength(), fresh->GetLength());
+    for (double s : {0.0, 7.5, 20.0, line->GetLength(), line->GetLength() + 2}) {
+        const PointData a = line->GetPointData(s), b = fresh->GetPointData(s);
+        EXPECT_EQ(a.position, b.position) << s;
+        EXPECT_EQ(a.heading, b.heading) << s;
+        EXPECT_EQ(a.curvature, b.curvature) << s;
+    }
+    EXPECT_TRUE(vek::isEqual(line->GetBoundingBox().min, fresh->GetBoundingBox().min, 0));
+    // A point inserted without update, constraints set, or the record's type or tangent changed behind the
+    // runtime class's back: the next move rebuilds with them.
+    const double length = line->GetLength();
+    line->InsertControlPoint(4, {30, 30}, false);
+    line->SetStartPosition({0, 0});
+    EXPECT_GT(line->GetLength(), length + 10);
+    EXPECT_EQ(line->GetEndAbscissas().size(), 4u);
+    line->SetOriginConstraints(false, true);
+    line->SetStartOrientation(0);
+    EXPECT_EQ(line->GetControlPoint(1).y, 0);
+    static_cast<Ruvex::PolyLineElement&>(*line).SetType(EType::Polygon);
+    line->SetStartPosition({1, 1});
+    EXPECT_DOUBLE_EQ(line->GetLength(), line->GetPolylineLength());
+    // The natural end tangent asked twice rebuilds once, and the second answer is the first.
+    line->SetType(EType::ClampedSpline);
+    line->ComputeNaturalEndTangent();
+    const double tangent = line->GetEndTangent();
+    const double curveLength = line->GetLength();
+    line->ComputeNaturalEndTangent();
+    EXPECT_EQ(line->GetEndTangent(), tangent);
+    EXPECT_EQ(line->GetLength(), curveLength);
+}

@@ -107,23 +107,6 @@ TEST_F(ValidateCommand, RailNamesAndUnreadableFiles) {
     EXPECT_NE(missing.err, "");
 }
 
-TEST_F(ValidateCommand, ClippedDataOnNoTrackAndLoneJunctionExit) {
-    const std::string file =
-        Write("model.xml", R"(<Ruvex version="2.5"><Network><SubNetworks><SubNetwork name="A">
-<ClippedDatas>
-  <TrackClippedData name="Orphan"/></ClippedDatas>
-<Tracks><Track name="T"/></Tracks></SubNetwork></SubNetworks>
-<SubNetworkJunctions><SubNetworkJunction name="Lonely"><SubNetworkExit subNetwork="A" track="T"/></SubNetworkJunction>
-</SubNetworkJunctions></Network></Ruvex>)");
-    const CommandRun run = Run("'" + file + "'");
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out.rfind(file + ":3:4: ", 0), 0u) << run.out;
-    EXPECT_NE(run.out.find("\"Orphan\" lies on no track"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find(file + ":5:23: sub-network junction \"Lonely\" has fewer than two exits"),
-              std::string::npos)
-        << run.out;
-}
-
 TEST_F(ValidateCommand, IntersectionReferencesAndArms) {
     // Line 5: a banned link to a missing track; line 6: to a lane that A's start does not have, and from the
     // end of A, which does not meet X; line 8: a contour piece (placed at X, line 3) naming a missing track;
@@ -162,4 +145,21 @@ TEST_F(ValidateCommand, IntersectionReferencesAndArms) {
     EXPECT_EQ(found[4].rfind(file + ":6:2: ", 0), 0u) << found[4];
     EXPECT_NE(found[4].find("the end of track \"A\", which does not meet it"), std::string::npos) << found[4];
     EXPECT_NE(found[5].find("the lane \"Nope\" at the start of track \"B\""), std::string::npos) << found[5];
+}
+
+TEST_F(ValidateCommand, ClippedDataOnNoTrackAndLoneJunctionExit) {
+    const std::string file =
+        Write("model.xml", R"(<Ruvex version="2.5"><Network><SubNetworks><SubNetwork name="A">
+<ClippedDatas>
+  <TrackClippedData name="Orphan"/></ClippedDatas>
+<Tracks><Track name="T"/></Tracks></SubNetwork></SubNetworks>
+<SubNetworkJunctions><SubNetworkJunction name="Lonely"><SubNetworkExit subNetwork="A" track="T"/></SubNetworkJunction>
+</SubNetworkJunctions></Network></Ruvex>)");
+    const CommandRun run = Run("'" + file + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out.rfind(file + ":3:4: ", 0), 0u) << run.out;
+    EXPECT_NE(run.out.find("\"Orphan\" lies on no track"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find(file + ":5:23: sub-network junction \"Lonely\" has fewer than two exits"),
+              std::string::npos)
+        << run.out;
 }

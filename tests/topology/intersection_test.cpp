@@ -1,6 +1,7 @@
 #include <orvia/core/network.h>
 #include <orvia/geometry/profile.h>
 #include <orvia/ruvex/factory.h>
+#include <orvia/topology/clipped_data.h>
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/link.h>
 #include <orvia/topology/sub_network.h>
@@ -122,10 +123,17 @@ TEST(TrackConnector, SortTracksGoesRoundCounterClockwise) {
         EXPECT_NEAR(angles[i], kPi / 2, kAngleToleranceRad) << i;
     EXPECT_NEAR(x->GetTrackAngle(around[3], around[0]), kPi / 2, kAngleToleranceRad);
     EXPECT_NEAR(x->GetTrackAngle(around[0], around[3]), 3 * kPi / 2, kAngleToleranceRad);
+    SubNetwork* s = network->GetSubNetwork(0);
+    const std::vector<Track*> some{s->GetTrackByName("N"), s->GetTrackByName("W"), s->GetTrackByName("S")};
+    x->BuildOrganizedTrackArrayAroundIntersection(some, around, angles);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"S<", "N<", "W<"}));
+    EXPECT_NEAR(angles[1], kPi, kAngleToleranceRad);
+    x->GetTracksArroundConnector(around, true);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"E<", "N<", "W<", "S<"}));
 
     // The first is the smallest turn from the arm onto +x: an arm just below the axis beats one just above.
-    Track* east = network->GetSubNetwork(0)->GetTrackByName("E");
-    Track* north = network->GetSubNetwork(0)->GetTrackByName("N");
+    Track* east = s->GetTrackByName("E");
+    Track* north = s->GetTrackByName("N");
     x->SetPosition(vek::Vector3(0, 1, 0));
     std::vector<TrackExtremity> pair{TrackExtremity(north, false), TrackExtremity(east, false)};
     x->SortTracks(pair, angles);
@@ -475,4 +483,75 @@ TEST(Intersection, OldDocumentsGoThroughTheConverter) {
         EXPECT_TRUE(x->IsBannedLink(At("A", true, "L"), At("B", false, "R"))) << revision;
     }
     EXPECT_EQ(Intersection::kLegacyVersion, Ruvex::MakeVersionID(2, 4, 1));
+}
+
+TEST(Intersection, LoopCloneAndBookkeeping) {
+    // Loop leaves X and comes back to it; T only leaves.
+    CountedPtr<Network> network = LoadNetwork(
+        "<Profiles>" + kTwoWay +
+        "</Profiles><Intersections><Intersection name=\"X\"/></Intersections><Tracks>" +
+        TrackXml("T", 10, 0, 0, "TwoWay", "startIntersectionName=\"X\"") +
+        R"(<Track name="Loop" startIntersectionName="X" endIntersectionName="X"><XYCurve x="0" y="10" orientation="0">
+<CircleArc length="20" curvature="-0.1"/></XYCurve>
+<Portion endDistance="20" startProfileName="TwoWay" endProfileName="TwoWay"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Intersection* x = s->GetIntersectionByName("X");
+    std::vector<TrackExtremity> around;
+    s->GetTracksArroundIntersection(x, around, false);
+    EXPECT_EQ(Names(around), (std::vector<std::string>{"T<", "Loop<", "Loop>"}));
+    s->GetTracksArroundIntersection(nullptr, around, false);
+    EXPECT_TRUE(around.empty());
+
+    // The loop's lanes reach each other across its two ends.
+    std::vector<LaneConnection> all;
+    x->ComputeAllConnections(all);
+    std::vector<std::string> loop;
+    for (const LaneConnection& c : all)
+        if (c.first.trackName == "Loop" && c.second.trackName == "Loop")
+            loop.push_back(Text(c) + (c.first.atTrackEnd ? ">" : "<") + (c.second.atTrackEnd ? ">" : "<"));
+    EXPECT_EQ(loop, (std::vector<std::string>{"Loop.L-Loop.R<<", "Loop.L-Loop.L<>", "Loop.R-Loop.R><",
+                                              "Loop.R-Loop.L>>"}));
+
+    // Lanes by gathered position and back.
+    Orvia::Lane* lane = x->FindLane(2, 1);
+    ASSERT_NE(lane, nullptr);
+    EXPECT_EQ(lane->GetName(), "R");
+    EXPECT_EQ(x->FindLane(3, 0), nullptr);
+    EXPECT_EQ(x->FindLane(0, 2), nullptr);
+    size_t trackIndex = 9;
+    size_t laneIndex = 9;
+    // Every arm shares the profile: the first arm holding the lane answers.
+    EXPECT_TRUE(x->FindTrackAndLaneIndex(lane, trackIndex, laneIndex));
+    EXPECT_EQ(trackIndex, 0u);
+    EXPECT_EQ(laneIndex, 1u);
+    EXPECT_FALSE(x->FindTrackAndLaneIndex(nullptr, trackIndex, laneIndex));
+
+    // What removing a track leaves dangling.
+    x->BanLink(At("T", false, "L"), At("Loop", true, "L"));
+    x->BanLink(At("Loop", false, "L"), At("Loop", false, "R"));
+    x->BanLink(At("T", false, "L"), At("T", false, "R"));
+    std::vector<LaneConnection> dangling;
+    x->GetRemovedLinksFromTrackRemoval(s->GetTrackByName("Loop"), dangling);
+    EXPECT_EQ(Texts(dangling), (std::vector<std::string>{"T.L-Loop.L", "Loop.L-Loop.R"}));
+    x->RemoveLinks(dangling);
+    EXPECT_EQ(x->GetBannedLinksCount(), 1u);
+
+    // Clipped data bookkeeping.
+    CountedPtr<Orvia::MarkClippedData> a(new Orvia::MarkClippedData);
+    CountedPtr<Orvia::MarkClippedData> b(new Orvia::MarkClippedData);
+    x->AddClippedData(a.Get());
+    x->AddClippedData(nullptr);
+    x->AddClippedData(b.Get());
+    EXPECT_EQ(x->GetClippedDataIndex(b.Get()), 1u);
+    EXPECT_FALSE(x->RemoveClippedData(2, 1));
+    EXPECT_TRUE(x->RemoveClippedData(0, 5));
+    EXPECT_EQ(x->GetClippedDataCount(), 0u);
+    EXPECT_EQ(x->GetClippedDataIndex(a.Get()), Orvia::TrackConnector::npos);
+
+    // A clone holds the same record, belongs nowhere and renames no track.
+    CountedPtr<Intersection> copy(x->Clone());
+    EXPECT_EQ(copy->GetInSubNetwork(), nullptr);
+    EXPECT_EQ(Ruvex::SaveToString(copy.Get()), Ruvex::SaveToString(x));
+    EXPECT_EQ(s->GetTrackByName("T")->GetStartIntersectionName(), "X");
 }

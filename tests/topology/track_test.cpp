@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +19,7 @@
 #include <numbers>
 #include <sstream>
 #include <string>
+#include <vector>
 
 using Orvia::Network;
 using Orvia::Portion;
@@ -433,5 +435,93 @@ TEST(SubNetwork, InverseProfileNameToggle) {
     EXPECT_EQ(s->GetProfileCount(), 2u);
     // The inverse of the inverse is the original, found by equality.
     EXPECT_EQ(s->GetOrCreateInverse(inverse, true), p);
-    EXPECT_EQ(s->GetOrCreateInverse(p, false)->GetName(), "P Invert ch way");
+    // Both toggles apply when the way changes too: " Invert" goes, " ch way" comes.
+    EXPECT_EQ(s->GetOrCreateInverse(p, false)->GetName(), "P ch way");
+    EXPECT_EQ(s->GetOrCreateInverse(s->GetProfileByName("P ch way"), false), p);
+}
+
+TEST(Track, LocalQueriesAndNodeOffsets) {
+    CountedPtr<Network> network = LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) + R"(</Profiles>
+<Intersections><Intersection name="P" x="4" y="-2" z="1"/><Intersection name="Q" x="0" y="0" z="0"/></Intersections>
+<Tracks><Track name="C" startIntersectionName="P" endIntersectionName="Q">
+<XYCurve x="5" y="-2" orientation="0"><CircleArc length="100" curvature="0.01"/></XYCurve>
+<SZCurve><Polynomial xIn="0" yIn="0" derivativeIn="0" xOut="100" yOut="10" derivativeOut="0.2"/></SZCurve>
+<BankingCurve><Polynomial xIn="0" yIn="0" derivativeIn="0.001" xOut="100" yOut="0.1" derivativeOut="0.001"/></BankingCurve>
+<Portion endDistance="100" startProfileName="A" endProfileName="A"/></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Track* track = s->GetTrackByName("C");
+    // z = 0.001 s^2: z'' = 0.002, z'(50) = 0.1.
+    EXPECT_NEAR(track->GetSZCurvature(0), 0.002, 1e-15);
+    EXPECT_NEAR(track->GetSZCurvature(50), 0.002 / std::pow(1.01, 1.5), 1e-15);
+    EXPECT_NEAR(track->GetBankingTangent(50), 0.001, 1e-15);
+    EXPECT_NEAR(track->GetBanking(50), 0.05, 1e-15);
+    // Offset samples keep the axis curvature.
+    EXPECT_NEAR(track->GetXYCurvature(50, 0), 0.01, 1e-15);
+    EXPECT_NEAR(track->GetXYCurvature(50, 3), 0.01, 1e-15);
+    double start = -1;
+    EXPECT_EQ(track->GetXYFunctionIndex(50, start), 0u);
+    EXPECT_EQ(start, 0);
+    EXPECT_EQ(track->GetXYFunctionIndex(150, start), Track::npos);
+
+    const vek::Vector3 in = track->GetOffsetIn(), out = track->GetOffsetOut();
+    EXPECT_NEAR(in.x, 1, 1e-12);
+    EXPECT_NEAR(in.y, 0, 1e-12);
+    EXPECT_NEAR(in.z, -1, 1e-12);
+    EXPECT_NEAR(out.x, 5 + 100 * std::sin(1.0), 1e-9);
+    EXPECT_NEAR(out.y, 98 - 100 * std::cos(1.0), 1e-9);
+    EXPECT_NEAR(out.z, 10, 1e-12);
+    // The same intersection again changes nothing; null frees the end and clears its name.
+    track->SetStartIntersectionName("renamed");
+    track->SetStartIntersection(s->GetIntersectionByName("P"));
+    EXPECT_EQ(track->GetStartIntersectionName(), "renamed");
+    track->SetEndIntersection(nullptr);
+    EXPECT_EQ(track->GetEndIntersectionName(), "");
+    const vek::Vector3 free = track->GetOffsetOut();
+    EXPECT_EQ(free.x, 0);
+    EXPECT_EQ(free.z, 0);
+}
+
+TEST(Track, BadPortionsLoadWithPlacedWarnings) {
+    CountedPtr<Network> network = LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0.2, 0) + R"(</Profiles>
+<Tracks><Track name="T"><XYCurve><Segment length="100"/></XYCurve>
+<Portion endDistance="-5" startProfileName="Missing" endProfileName="A"/>
+<Portion endDistance="60" startProfileName="A" endProfileName="A"/>
+<Portion endDistance="20" startProfileName="A" endProfileName="A"/>
+<Portion endDistance="150" startProfileName="A" endProfileName="A"><ProfileModifier>
+<BorderModifier id="9"><BorderOffset t="0"/><BorderOffset t="1" yOffset="2"/></BorderModifier>
+</ProfileModifier></Portion></Track></Tracks>)");
+    ASSERT_TRUE(network);
+    std::vector<std::string> warnings;
+    for (const Ruvex::Problem& problem : Ruvex::GetLastProblems()) {
+        EXPECT_TRUE(problem.warning);
+        EXPECT_GT(problem.line, 0u) << problem.message;
+        EXPECT_GT(problem.column, 0u) << problem.message;
+        warnings.push_back(problem.message);
+    }
+    auto said = [&](const std::string& part) {
+        return std::any_of(warnings.begin(), warnings.end(),
+                           [&](const std::string& w) { return w.find(part) != std::string::npos; });
+    };
+    EXPECT_TRUE(said("\"Missing\"")) << ::testing::PrintToString(warnings);
+    EXPECT_TRUE(said("is -5,"));
+    EXPECT_TRUE(said("is 20,"));
+    EXPECT_TRUE(said("beyond its length 100"));
+    EXPECT_TRUE(said("moves border 9"));
+    const Track* track = network->GetSubNetwork(0)->GetTrack(0);
+    ASSERT_EQ(track->GetPortionCount(), 4u);
+    EXPECT_EQ(track->GetPortion(0)->GetEndDistance(), 0);
+    EXPECT_EQ(track->GetPortion(2)->GetEndDistance(), 60);
+    EXPECT_EQ(track->GetPortion(0)->GetStartProfileName(), "A");
+    // Queries anywhere answer, the modifier of a missing border bending nothing.
+    vek::Mark mark;
+    for (double s : {-10.0, 0.0, 30.0, 60.0, 99.0, 140.0}) {
+        ASSERT_TRUE(track->GetMark(mark, s, 5.0));
+        // Beyond one lane width from the axis a lane reads flat at its left height; the mended (empty)
+        // portions that -10 and 60 fall in add nothing.
+        EXPECT_NEAR(mark.position.z, s == -10 || s == 60 ? 0.0 : 0.2, 1e-12) << s;
+        double left = 0, right = 0;
+        ASSERT_TRUE(track->GetWidthAt(s, left, right));
+        EXPECT_EQ(right, 7);
+    }
 }

@@ -4,6 +4,7 @@
 #include <orvia/topology/clipped_data.h>
 #include <orvia/topology/intersection.h>
 #include <orvia/topology/sub_network.h>
+#include <orvia/topology/track.h>
 #include <orvia/traffic/road_sign.h>
 #include <orvia/traffic/traffic_light.h>
 
@@ -418,4 +419,27 @@ TEST(TrafficLightState, OldDocumentsAndRoundTrip) {
         EXPECT_NE(saved.find("illuminations=\"off off on\""), std::string::npos);
         EXPECT_NE(saved.find("offset=\"4.5\""), std::string::npos);
     }
+}
+
+// Signs are looked for on the tracks first, in track order, then at the intersections: a signal clipped on a
+// track drives the group even when an intersection holds a namesake.
+TEST(TrafficLightGroup, PostLoadFindsSignsOnTracksFirst) {
+    std::string text = Crossing(R"( currentCycle="Day">
+  <TrafficLightAnimation cycleName="Day" roadSign="North"><TrafficLightState timeLength="10" illuminations="on,off,off"/></TrafficLightAnimation>
+  <TrafficLightAnimation cycleName="Day" roadSign="Side"><TrafficLightState timeLength="10" illuminations="on,off,off"/></TrafficLightAnimation>)");
+    const std::string tracks = R"(<Tracks><Track name="Main"><XYCurve><Segment length="50"/></XYCurve>
+<ClippedData name="North"><RoadSign type="traffic light"><Light color="red" illumination="off"/></RoadSign></ClippedData>
+<ClippedData name="Side"><RoadSign type="traffic light"><Light color="red" illumination="off"/></RoadSign></ClippedData>
+</Track></Tracks>
+<TrafficLightGroups>)";
+    text.replace(text.find("<TrafficLightGroups>"), std::string("<TrafficLightGroups>").size(), tracks);
+    CountedPtr<Network> network = LoadNetwork(text);
+    TrafficLightGroup* group = FirstGroup(network.Get());
+    ASSERT_TRUE(group);
+    ASSERT_EQ(group->GetAnimationCount(), 2u);
+    const Track* main = network->GetSubNetwork(0)->GetTrack(0);
+    for (size_t a = 0; a < 2; ++a)
+        EXPECT_EQ(group->GetAnimation(a)->GetTrafficLight(), main->GetClippedData(a));
+    ASSERT_TRUE(group->Animate(1.0));
+    EXPECT_EQ(group->GetAnimation(0)->GetRoadSign()->GetLight(0)->Illumination(), Light::eOn);
 }

@@ -85,6 +85,19 @@ struct QueryOptions {
 };
 int RunQuery(const QueryOptions& options);
 
+// The lane-to-lane links through intersection `intersection` (explicit ones from the file, then the derived
+// ones) with the length of each way, and its banned pairs; or, with `track`, only the links that leave lane
+// `lane` of that track at its end (`atEnd`) or start. 1 when the intersection, track or lane is not found.
+struct LinksOptions {
+    std::string file;
+    std::string intersection;
+    std::string track;
+    std::string lane;
+    bool atEnd = true;
+    bool json = false;
+};
+int RunLinks(const LinksOptions& options);
+
 // Every problem of a document (a network, a profile library or a rail network) that the library can find,
 // one "file:line:column: message" per line on stdout in document order; 1 when there is any.
 struct ValidateOptions {

@@ -4,6 +4,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
+
 int main(int argc, char** argv) {
     CLI::App app{"Inspect, convert and georeference Orvia network files."};
     app.require_subcommand(1);
@@ -77,6 +79,24 @@ int main(int argc, char** argv) {
     queryCommand->add_option("--step", query.step, "Sample the whole track every STEP metres");
     queryCommand->add_flag("--json", query.json, "Print the result as one JSON object");
 
+    OrviaTool::LinksOptions links;
+    CLI::App* linksCommand =
+        app.add_subcommand("links", "List the lane links through an intersection, or those leaving a lane.");
+    linksCommand->add_option("FILE", links.file, "Network file")->required();
+    CLI::Option* linksAt =
+        linksCommand->add_option("--intersection", links.intersection, "Intersection name");
+    CLI::Option* linksTrack = linksCommand->add_option("--track", links.track, "Track of the lane to follow");
+    bool linksAtEnd = false, linksAtStart = false;
+    CLI::Option* linksEnd = linksCommand->add_flag("--end", linksAtEnd, "The lane at the track's end");
+    CLI::Option* linksStart =
+        linksCommand->add_flag("--start", linksAtStart, "The lane at the track's start");
+    CLI::Option* linksLane = linksCommand->add_option("--lane", links.lane, "Lane name");
+    linksAt->excludes(linksTrack);
+    linksTrack->needs(linksLane);
+    linksEnd->excludes(linksStart)->needs(linksTrack);
+    linksStart->needs(linksTrack);
+    linksCommand->add_flag("--json", links.json, "Print the links as one JSON object");
+
     OrviaTool::ValidateOptions validate;
     CLI::App* validateCommand =
         app.add_subcommand("validate", "List every problem of a document with its place.");
@@ -108,6 +128,18 @@ int main(int argc, char** argv) {
     if (*railCommand) return OrviaTool::RunRail(rail);
     if (*profilesCommand) return OrviaTool::RunProfiles(profiles);
     if (*lightsCommand) return OrviaTool::RunLights(lights);
+    if (*linksCommand) {
+        if (linksAt->count() == 0 && linksTrack->count() == 0) {
+            std::fprintf(stderr, "links: give --intersection NAME, or --track T --end|--start --lane L\n");
+            return 1;
+        }
+        if (linksTrack->count() > 0 && linksEnd->count() + linksStart->count() == 0) {
+            std::fprintf(stderr, "links: --track needs --end or --start\n");
+            return 1;
+        }
+        links.atEnd = linksAtEnd;
+        return OrviaTool::RunLinks(links);
+    }
     if (*validateCommand) return OrviaTool::RunValidate(validate);
     if (*filesCommand) {
         if (replace.size() == 2) {

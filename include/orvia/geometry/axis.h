@@ -177,6 +177,8 @@ protected:
     bool IsXYLengthValid() const { return m_xyLengthValid; }
     void SetXYLengthValid(bool valid) { m_xyLengthValid = valid; }
     bool IsBoundingBoxValid() const { return m_boundingBoxValid; }
+    // The box is stale: GetBoundingBox rebuilds it.
+    void InvalidateBoundingBox() { m_boundingBoxValid = false; }
     // Cached lengths (m), written by the derived class when it validates.
     void SetCachedXYLength(double length) { m_xyLength = length; }
     void SetCachedTotalLength(double length) { m_totalLength = length; }

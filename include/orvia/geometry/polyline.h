@@ -154,6 +154,11 @@ public:
     // Index of the control point at or before parameter u (0 with fewer than 2 points).
     size_t GetControlPointBeforeIndex(double u) const;
 
+    // The points, the tables and the curve are in the piece's own frame: a move rebuilds only the placement,
+    // unless something else changed since the last rebuild (then everything is rebuilt, as any change does).
+    void SetStartPosition(const vek::Vector2& position) override;
+    void SetStartOrientation(double orientation) override;
+
     PolyLine* Clone() const override;
     // Another PolyLine with the same type, end tangent and control points.
     bool IsEqual(const ParametricFunction* other) const override;
@@ -193,6 +198,20 @@ private:
     // Sample of a trajectory at arc length s, straight along the end tangents outside [0, length].
     static PointData SampleTrajectory(const vek::Trajectory& curve, double s);
 
+    // What the last rebuild read besides the points' values: while it all stands (and a point count that only
+    // InsertControlPoint without update changes), a rebuild would give the same tables and curve.
+    struct BuiltFrom {
+        size_t pointCount = 0;
+        EType type = EType::Polygon;
+        double endTangent = 0;
+        bool constrainPosition = false;
+        bool constrainOrientation = false;
+        bool valid = false;  // false: never built, or copied (the copy rebuilds on its first change)
+    };
+    bool IsBuiltFromCurrent() const;
+
     std::unique_ptr<vek::Trajectory> m_curve;  // types 1 and 2
     std::vector<BezierPiece> m_beziers;        // type 4
+    BuiltFrom m_builtFrom;
+    bool m_moving = false;  // within SetStartPosition / SetStartOrientation with nothing else to rebuild
 };

@@ -371,6 +371,9 @@ public:
     // is beyond every border; null for a profile without lanes. A border belongs to the lane on its left. No
     // allocation.
     Lane* GetLaneWithDistance(double d) const;
+    // The index of the lane GetLaneWithDistance(d) answers (npos without lanes); the lane's borders are those
+    // of the same index and the next. For queries that need the borders, not the lane. No allocation.
+    size_t GetLaneIndexWithDistance(double d) const;
     std::string GetUniqueLaneName(const std::string& requested) const;
     // False when the lane index is out of range.
     bool SetCirculationWay(size_t lane, ECirculationWay way);

@@ -165,6 +165,19 @@ public:
     // track at that extremity. Nothing for null.
     void UpdateBannedTrackSelfLinks(Track* track, bool atEnd, bool remove);
 
+    // The banned pairs that name `track` on either side (what removing the track leaves dangling), in list
+    // order; `out` is cleared. RemoveLinks allows each given pair.
+    void GetRemovedLinksFromTrackRemoval(const Track* track, std::vector<LaneConnection>& out) const;
+    void RemoveLinks(const std::vector<LaneConnection>& pairs);
+
+    // --- Lanes
+    // ---------------------------------------------------------------------------------------------- Lane
+    // `laneIndex` of the profile at the gathered extremity `trackIndex` (BuildTrackArrayAroundIntersection
+    // order); null out of range.
+    Lane* FindLane(size_t trackIndex, size_t laneIndex) const;
+    // The inverse: false (indices untouched) when `lane` is at no gathered extremity.
+    bool FindTrackAndLaneIndex(const Lane* lane, size_t& trackIndex, size_t& laneIndex) const;
+
     // --- Links and clipped data ----------------------------------------------------------------------------
     // A new empty explicit link of this intersection, appended.
     Link* createLink();
@@ -172,7 +185,20 @@ public:
     // Null out of range (or for a plain record).
     Link* getLink(size_t index) const;
     size_t GetClippedDataCount() const { return m_ClippedData.size(); }
+    // Null out of range (or for a plain record).
     MarkClippedData* GetClippedData(size_t index) const;
+    // Appends (taking a reference); null is ignored.
+    void AddClippedData(MarkClippedData* data);
+    // Removes `count` entries from `first` (fewer at the end of the list); false when first is out of range.
+    bool RemoveClippedData(size_t first, size_t count);
+    // npos when absent.
+    size_t GetClippedDataIndex(const MarkClippedData* data) const;
+
+    // A copy of the record (outline, bans, links, clipped data) in no sub-network (count 0; the caller owns
+    // it).
+    Intersection* Clone() const;
+    // Replaces the record's content with a deep copy of other's; nothing for null or itself.
+    void CopyFrom(const Intersection* other);
 
     // --- Names
     // ---------------------------------------------------------------------------------------------- Renames

@@ -64,8 +64,8 @@ public:
     std::string GetUniqueTrackName(const std::string& requested) const;
     // Appends a new track of this sub-network named GetUniqueTrackName(requested).
     Track* CreateTrack(const std::string& requested);
-    // The same in the junction-track list (ways laid inside sub-network junctions).
-    Track* CreateTrackInJunction(const std::string& requested);
+    // Junction tracks read from a file (ways laid inside sub-network junctions); CreateTrackInJunction,
+    // below, makes derived ones that are not saved.
     size_t GetJunctionTrackCount() const { return m_JunctionTracks.size(); }
     Track* GetJunctionTrack(size_t index) const;
     // Unlinks the track from its intersections (their default bans go), removes its exit from every
@@ -308,6 +308,17 @@ public:
     // A proxy whose content came from its file writes the reference only.
     Ruvex::IDOMElement* BuildXMLElement(Ruvex::IDOMParser* parser) override;
 
+    // Junction space: tracks and profiles derived inside intersections (the ways of lane links). They belong
+    // to this sub-network but to none of its lists (the stored junction tracks included), so nothing of them
+    // is saved. A derived track is named GetUniqueTrackName(requested).
+    Track* CreateTrackInJunction(const std::string& requested);
+    size_t GetDerivedJunctionTrackCount() const { return m_junctionTracks.size(); }
+    Track* GetDerivedJunctionTrack(size_t index) const;
+    void AddJunctionProfile(Profile* profile);
+    size_t GetJunctionProfileCount() const { return m_junctionProfiles.size(); }
+    // Drops the junction space (links still holding a way keep it alive).
+    void ClearJunctionSpace();
+
 protected:
     // A track clipped data in the sub-network's own list lies on no track: it is kept as written, with a
     // warning at its place.
@@ -323,6 +334,8 @@ private:
     std::string m_proxyLoadedFrom;
 
     Network* m_network = nullptr;
+    std::vector<Ruvex::CountedPtr<Track>> m_junctionTracks;
+    std::vector<Ruvex::CountedPtr<Profile>> m_junctionProfiles;
 };
 
 }  // namespace Orvia

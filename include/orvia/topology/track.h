@@ -78,6 +78,8 @@ public:
     // Portions shorter than this (m) blend nothing into the mark; GetWidthAt reads them as their start.
     static constexpr double kShortPortion = 1e-12;
     static constexpr double kShortPortionWidth = 1e-5;
+    // Portions may end this far (m) beyond the axis before a load says so: files round their lengths.
+    static constexpr double kPortionOverrun = 1e-3;
 
     Track();
     explicit Track(SubNetwork* subNetwork);
@@ -121,7 +123,8 @@ public:
 
     // Links an end to an intersection (null frees it) and stores the intersection's name ("" for null). When
     // the intersection changes, the old one drops the default bans of this end and the new one adds them
-    // (Intersection::UpdateBannedTrackSelfLinks).
+    // (Intersection::UpdateBannedTrackSelfLinks); nothing when that intersection is
+    // already linked there.
     void SetStartIntersection(Intersection* intersection);
     void SetEndIntersection(Intersection* intersection);
     Intersection* GetStartIntersection() const { return m_startIntersection; }
@@ -148,7 +151,8 @@ public:
     void SetCurvatureCurveMeasureStep(double step) { m_curvatureStep = step; }
     double GetCurvatureCurveMeasureStep() const { return m_curvatureStep; }
 
-    // Box of the axis in the sub-network's frame (as of the last validation); empty without geometry.
+    // Box of the axis in the sub-network's frame; empty without geometry. Built on the first call after a
+    // load or an edit (which writes the cached box: not for concurrent first calls).
     vek::Box3 GetBoundingBox() const;
 
     // --- Portions ------------------------------------------------------------------------------------------
@@ -194,7 +198,20 @@ public:
     bool GetWidthAt(double s, double& left, double& right) const;
     // Largest |offset| of any profile's outer border over the portions (as of the last validation).
     double GetMaxWidth() const { return m_maxWidth; }
+    // Banking angle (radians) at s and its derivative along the axis (radians/m); 0 without a banking piece.
     double GetBanking(double s) const;
+    double GetBankingTangent(double s) const;
+    // Horizontal curvature (1/m) at (s, t), as the offset sample reads it (see Curve2D::OffsetPointData); 0
+    // when the horizontal curve gives no point.
+    double GetXYCurvature(double s, double t) const;
+    // Curvature (1/m) of the elevation graph at s; 0 without an elevation piece.
+    double GetSZCurvature(double s) const;
+    // Index of the horizontal piece holding s, with its start abscissa; npos beyond the curve or without one.
+    size_t GetXYFunctionIndex(double s, double& startAbscissa) const;
+    // (0, 0, 0) without an intersection at that end; else the vector from the intersection's position to the
+    // axis point at that end (its centre-line altitude as z).
+    vek::Vector3 GetOffsetIn() const;
+    vek::Vector3 GetOffsetOut() const;
 
     // --- Editing
     // --------------------------------------------------------------------------------------------- The
@@ -224,12 +241,6 @@ public:
     // The first entry named `name` exactly, or null.
     TrackClippedData* GetClippedDataByName(const char* name) const;
 
-private:
-    // Each clipped data entry takes this track and its sub-network and validates (post-load and validation).
-    void AttachClippedData();
-    void InvalidateClippedData();
-
-public:
     // A copy with no sub-network (count 0; the caller owns it).
     Track* Clone() const;
     void CopyFrom(const Track* other);
@@ -249,12 +260,25 @@ protected:
     bool LoadChild(Ruvex::IDOMElement* child, Ruvex::IDOMParser* parser) override;
 
 private:
+    // A record's curve as its runtime class, taken once. The view holds a reference to the curve, so that a
+    // record still naming the same address names the same curve: queries compare addresses and skip the type
+    // test; a replaced curve is typed again at each call until the next validation.
+    template <class Typed, class Record>
+    struct CurveView {
+        Ruvex::CountedPtr<Record> held;
+        Typed* typed = nullptr;
+    };
+
     void RefreshPortionView();
-    // Link an end without touching the nodes' banned links.
-    void LinkStart(Intersection* intersection);
-    void LinkEnd(Intersection* intersection);
+    void RefreshCurveViews();
+    // Warns about (and mends) portion ends that do not tile the axis; see the definition.
+    void CheckPortionDistances(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser);
+    // Each clipped data entry takes this track and its sub-network and validates (post-load and validation).
+    void AttachClippedData();
+    void InvalidateClippedData();
     // The curve of the record when it has a piece, else the default (null before validation).
     CartesianCurve* Longitudinal(const Ruvex::CountedPtr<Ruvex::CartesianCurveElement>& record,
+                                 const CurveView<CartesianCurve, Ruvex::CartesianCurveElement>& view,
                                  const Ruvex::CountedPtr<CartesianCurve>& fallback) const;
 
     SubNetwork* m_subNetwork = nullptr;
@@ -269,6 +293,10 @@ private:
     Ruvex::CountedPtr<CartesianCurve> m_defaultSZ;
     Ruvex::CountedPtr<CartesianCurve> m_defaultBanking;
     Ruvex::CountedPtr<CartesianCurve> m_defaultSZCurvature;
+    CurveView<Curve2D, Ruvex::XYCurveElement> m_xyView;
+    CurveView<CartesianCurve, Ruvex::CartesianCurveElement> m_szView;
+    CurveView<CartesianCurve, Ruvex::CartesianCurveElement> m_bankingView;
+    CurveView<CartesianCurve, Ruvex::CartesianCurveElement> m_szCurvatureView;
 };
 
 }  // namespace Orvia
