@@ -49,6 +49,7 @@ void SubNetwork::SwapContent(SubNetwork& other) {
     std::swap(m_Intersections, other.m_Intersections);
     std::swap(m_Tracks, other.m_Tracks);
     std::swap(m_JunctionTracks, other.m_JunctionTracks);
+    std::swap(m_junctionTracks, other.m_junctionTracks);
     std::swap(m_TrafficLightGroups, other.m_TrafficLightGroups);
     std::swap(m_TrajectoryParts, other.m_TrajectoryParts);
     std::swap(m_Trajectories, other.m_Trajectories);
