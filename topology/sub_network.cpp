@@ -10,6 +10,9 @@
 #include <orvia/topology/road.h>
 #include <orvia/topology/track.h>
 #include <orvia/topology/trajectory.h>
+#include <orvia/topology/zone.h>
+
+#include <utility>
 
 #include <algorithm>
 
@@ -253,8 +256,52 @@ void SubNetwork::MakeNamesUnique() {
     MakeRepeatedNamesUnique(m_EntitiesGenerations);
 }
 
+namespace {
+
+// Calls rename(old, new) for each member of `incoming` whose name `mine` holds, with a name that neither list
+// holds, while both lists are still apart: the rename rewrites the users inside `incoming`'s sub-network.
+template <class List, class Rename>
+void RenameIncoming(const List& mine, const List& incoming, Rename rename) {
+    if (incoming.empty()) return;
+    UniqueNames names(mine);
+    std::vector<std::string> taken;
+    for (const auto& item : incoming)
+        if (item) {
+            names.Add(item->GetName());
+            if (mine.contains(item->GetName())) taken.push_back(item->GetName());
+        }
+    for (const std::string& old : taken) {
+        const std::string renamed = names.GetUnique(old);
+        names.Add(renamed);
+        rename(old, renamed);
+    }
+}
+
+}  // namespace
+
 void SubNetwork::MergeWith(SubNetwork* other) {
     if (!other || other == this) return;
+    // Members that profiles, markings, connectors, trajectories and entity generations name: renamed with
+    // their users before anything moves.
+    RenameIncoming(m_Materials, other->m_Materials,
+                   [other](const std::string& o, const std::string& n) { other->ChangeMaterialName(o, n); });
+    RenameIncoming(m_Grounds, other->m_Grounds,
+                   [other](const std::string& o, const std::string& n) { other->ChangeGroundName(o, n); });
+    RenameIncoming(m_Markings, other->m_Markings,
+                   [other](const std::string& o, const std::string& n) { other->ChangeMarkingName(o, n); });
+    RenameIncoming(m_TrajectoryParts, other->m_TrajectoryParts,
+                   [other](const std::string& o, const std::string& n) {
+                       other->GetTrajectoryPartByName(o)->SetName(n);
+                       for (const auto& trajectory : other->m_Trajectories)
+                           for (const auto& piece : trajectory->GetPieces())
+                               if (piece && piece->GetTrajectoryPartName() == o)
+                                   piece->SetTrajectoryPartName(n);
+                   });
+    RenameIncoming(m_Zones, other->m_Zones, [other](const std::string& o, const std::string& n) {
+        other->GetZoneByName(o)->SetName(n);
+        for (const auto& generation : other->m_EntitiesGenerations)
+            if (generation && generation->GetAreaName() == o) generation->SetAreaName(n);
+    });
     // Intersections first: renaming one rewrites the track ends that name it, which must still be found in
     // `other`.
     for (const auto& item : other->m_Intersections)
@@ -303,12 +350,31 @@ void SubNetwork::MergeWith(SubNetwork* other) {
     AppendRenamed(m_ParkingSpots, other->m_ParkingSpots);
     AppendRenamed(m_Zones, other->m_Zones);
     AppendRenamed(m_EntitiesGenerations, other->m_EntitiesGenerations);
+    for (const auto& item : other->m_ClippedDatas)
+        m_ClippedDatas.push_back(item);
+    other->m_ClippedDatas.clear();
+    for (const auto& item : other->m_MarkClippedData)
+        m_MarkClippedData.push_back(item);
+    other->m_MarkClippedData.clear();
+    // Parts this sub-network has one of already stay with `other`.
+    if (!m_RailNetwork) std::swap(m_RailNetwork, other->m_RailNetwork);
+    if (!m_PedestrianNetwork) std::swap(m_PedestrianNetwork, other->m_PedestrianNetwork);
+    if (!m_GeneratedTerrainMaterialElement)
+        std::swap(m_GeneratedTerrainMaterialElement, other->m_GeneratedTerrainMaterialElement);
 
     for (const auto& item : m_Intersections)
         if (auto* intersection = dynamic_cast<Intersection*>(item.Get())) intersection->SetInSubNetwork(this);
     for (const auto* list : {&m_Tracks, &m_JunctionTracks})
         for (const auto& item : *list)
             if (auto* track = dynamic_cast<Track*>(item.Get())) track->SetSubNetwork(this);
+    std::vector<ClippedData*> clipped;
+    GetClippedDataArray(clipped);
+    for (ClippedData* data : clipped) {
+        data->SetInSubNetwork(this);
+        if (auto* mark = dynamic_cast<MarkClippedData*>(data); mark && mark->GetParent() == other)
+            mark->SetParent(this);
+    }
+    ResolveProfileReferences();
 }
 
 void SubNetwork::PostLoad(Network* network, [[maybe_unused]] const std::vector<std::string>& searchPaths) {

@@ -690,6 +690,41 @@ bool SubNetwork::RemoveClippedData(size_t first, size_t count) {
     return true;
 }
 
+namespace {
+
+// Even-odd rule; a point on an edge may fall either way.
+bool Inside(const std::vector<vek::Vector2>& polygon, const vek::Vector3& p) {
+    bool inside = false;
+    for (size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
+        const vek::Vector2& a = polygon[i];
+        const vek::Vector2& b = polygon[j];
+        if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x)
+            inside = !inside;
+    }
+    return inside;
+}
+
+}  // namespace
+
+size_t SubNetwork::RemoveClippedDataInZone(const Zone* zone) {
+    if (!zone || zone->GetPoints().size() < 3) return 0;
+    size_t removed = 0;
+    auto sweep = [&](auto& list) {
+        for (size_t i = list.size(); i-- > 0;) {
+            auto* mark = dynamic_cast<MarkClippedData*>(list[i].Get());
+            if (!mark || !Inside(zone->GetPoints(), mark->GetPosition())) continue;
+            mark->ReleaseCarriedLinks();
+            mark->SetInSubNetwork(nullptr);
+            mark->SetParent(nullptr);
+            list.erase(list.begin() + static_cast<std::ptrdiff_t>(i));
+            ++removed;
+        }
+    };
+    sweep(m_ClippedDatas);
+    sweep(m_MarkClippedData);
+    return removed;
+}
+
 void SubNetwork::GetClippedDataArray(std::vector<ClippedData*>& out) const {
     out.clear();
     auto add = [&out](Ruvex::Element* item) {

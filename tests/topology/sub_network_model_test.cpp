@@ -17,6 +17,11 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
 #include <string>
 #include <vector>
 
@@ -160,6 +165,13 @@ TEST(SubNetwork, RemovingEachKindLeavesNothingPointingAtIt) {
     EXPECT_EQ(t2->GetPortion(0)->GetStartProfile(), nullptr);
     EXPECT_EQ(keptProfile->GetParentSubNetwork(), nullptr);
 
+    // Marks of the sub-network inside a zone go, the others stay.
+    a->GetMarkClippedData()[0]->SetPosition({5, 1, 0});
+    dynamic_cast<Orvia::MarkClippedData&>(*a->GetClippedData(0)).SetPosition({-5, 1, 0});
+    EXPECT_EQ(a->RemoveClippedDataInZone(a->GetZoneByName("Park")), 1u);
+    EXPECT_TRUE(a->GetMarkClippedData().empty());
+    EXPECT_EQ(a->RemoveClippedDataInZone(nullptr), 0u);
+
     // Trajectory parts, then the rest.
     ASSERT_TRUE(a->RemoveTrajectoryPart(a->GetTrajectoryPartByName("Lane change")));
     EXPECT_EQ(a->GetTrajectoryByName("Path")->GetPart(0), nullptr);
@@ -287,4 +299,64 @@ TEST(SubNetwork, BadClippedDataAndJunctionsLoadAndAreReported) {
     // Removing the track of the junction's only exit removes the junction.
     EXPECT_TRUE(network->GetSubNetwork(0)->RemoveTrack(size_t{0}));
     EXPECT_EQ(network->GetSubNetworkJunctionCount(), 0u);
+}
+
+TEST(SubNetwork, MergeWithRenamesIncomingMembersAndTheirUsers) {
+    CountedPtr<Network> network = Load(kModel);
+    ASSERT_TRUE(network);
+    SubNetwork* a = network->GetSubNetwork(0);
+    // A copy of A's content under another name: every member collides.
+    CountedPtr<Network> twin = Load(kModel);
+    ASSERT_TRUE(twin);
+    SubNetwork* b = twin->GetSubNetwork(0);
+    a->MergeWith(b);
+    Orvia::Profile* incoming = a->GetProfileByName("Road 1");
+    ASSERT_TRUE(incoming);
+    EXPECT_EQ(incoming->GetLane(0)->GetMaterial(), a->GetMaterialByName("Asphalt 1"));
+    EXPECT_EQ(incoming->GetLane(0)->GetGround(), a->GetGroundByName("Gravel 1"));
+    EXPECT_EQ(incoming->GetLaneBorder(0)->GetMarking(), a->GetMarkingByName("Solid 1"));
+    EXPECT_EQ(a->GetMarkingByName("Solid 1")->GetMaterial(), a->GetMaterialByName("Paint 1"));
+    EXPECT_EQ(a->GetIntersectionByName("X 1")->GetMaterial(), a->GetMaterialByName("Asphalt 1"));
+    EXPECT_EQ(a->GetTrajectoryByName("Path 1")->GetPart(0), a->GetTrajectoryPartByName("Lane change 1"));
+    EXPECT_EQ(a->GetTrajectoryByName("Path 1")->GetPieces()[0]->GetTrajectoryPartName(), "Lane change 1");
+    EXPECT_EQ(a->GetEntitiesGenerationByName("Trees 1")->GetAreaName(), "Park 1");
+    ASSERT_EQ(a->GetClippedDataCount(), 2u);
+    EXPECT_EQ(a->GetClippedData(1)->GetQualifiedName(), "A//Statue");
+    EXPECT_EQ(b->GetClippedDataCount() + b->GetMarkClippedData().size(), 0u);
+    EXPECT_TRUE(b->GetPedestrianNetwork());  // A has its own
+    ExpectReloadsTheSame(network.Get());
+}
+
+TEST(SubNetwork, ProxyLoadsFromItsFileAndSavesBackToIt) {
+    namespace fs = std::filesystem;
+    const fs::path dir = fs::temp_directory_path() / ("orvia_proxy_" + std::to_string(::getpid()));
+    fs::create_directories(dir);
+    const std::string part = (dir / "part.xml").string();
+    std::ofstream(part) << R"(<Ruvex version="2.5"><SubNetwork name="Stored">
+<Intersections><Intersection name="X"/></Intersections>
+<Tracks><Track name="T" startIntersectionName="X"><XYCurve><Segment length="10"/></XYCurve></Track></Tracks>
+</SubNetwork></Ruvex>)";
+    CountedPtr<Network> network = Load(R"(<Ruvex version="2.5"><Network><SubNetworks>
+<SubNetwork name="P" x="5"><ProxyFile filePath="part.xml"/></SubNetwork></SubNetworks></Network></Ruvex>)");
+    ASSERT_TRUE(network);
+    SubNetwork* p = network->GetSubNetwork(0);
+    const std::string reference = Ruvex::SaveToString(network.Get());
+    ASSERT_TRUE(p->IsProxy());
+    EXPECT_FALSE(p->LoadProxy({}));  // not beside the working directory
+    ASSERT_TRUE(p->LoadProxy({(dir / "nowhere").string(), dir.string()}));
+    EXPECT_TRUE(p->IsProxyLoaded());
+    EXPECT_EQ(p->GetName(), "P");
+    Track* t = p->GetTrackByName("T");
+    ASSERT_TRUE(t);
+    EXPECT_EQ(t->GetStartIntersection(), p->GetIntersectionByName("X"));
+    // The network keeps the reference only; the edited content goes back to its file.
+    EXPECT_EQ(Ruvex::SaveToString(network.Get()), reference);
+    p->CreateTrack("Added");
+    ASSERT_TRUE(p->SaveProxy());
+    p->UnloadProxy();
+    EXPECT_EQ(p->GetTrackCount() + p->GetIntersectionCount(), 0u);
+    ASSERT_TRUE(p->LoadProxyAndMakeAbsolutPaths({dir.string()}));
+    EXPECT_TRUE(p->GetTrackByName("Added"));
+    EXPECT_TRUE(fs::path(p->GetProxyFilePath()).is_absolute()) << p->GetProxyFilePath();
+    fs::remove_all(dir);
 }

@@ -234,6 +234,9 @@ public:
     void AddClippedData(ClippedData* data);
     // Removes `count` entries from `first` (clipped to the list); false when `first` is out of range.
     bool RemoveClippedData(size_t first, size_t count);
+    // Removes the sub-network's own marks (both lists) whose position lies inside `zone`'s polygon (even-odd
+    // rule, in the sub-network's frame); returns how many went. 0 for null.
+    size_t RemoveClippedDataInZone(const Zone* zone);
     // Every clipped data of the sub-network: its own, its marks, its tracks' and its intersections'.
     void GetClippedDataArray(std::vector<ClippedData*>& out) const;
     // Over GetClippedDataArray.
@@ -249,6 +252,26 @@ public:
     // profile's name: its last occurrence is removed, or the suffix appended. The name is not made unique.
     // Null for null.
     Profile* GetOrCreateInverse(Profile* profile, bool keepWay);
+
+    // Proxy: a sub-network whose content lives in a file of its own (a document whose root is a sub-network),
+    // named by its proxy file element. LoadProxy looks the path up as given, then against each search
+    // directory, then beside the network's file; it replaces the content by the file's, which is post-loaded
+    // here. While the content is loaded from the file, saving the network writes the reference only, and
+    // SaveProxy writes the content back to the file it came from (or to the path as given). UnloadProxy drops
+    // the content; junction exits on its tracks are left unresolved.
+    bool IsProxy() const;
+    bool IsProxyLoaded() const { return m_proxyLoaded; }
+    bool LoadProxy(const std::vector<std::string>& searchPaths);
+    // LoadProxy, then every file path of the sub-network (its proxy path included) made absolute against the
+    // search directories, the proxy file's directory first.
+    bool LoadProxyAndMakeAbsolutPaths(const std::vector<std::string>& searchPaths);
+    void UnloadProxy();
+    bool SaveProxy();
+    void SetProxyFile(ExternalElement* file);
+    // "" without a proxy file.
+    std::string GetProxyFilePath() const;
+    // Makes a proxy file element with the path, or removes it for an empty path.
+    void SetProxyFilePath(const std::string& path);
 
     // Files; null when absent.
     ExternalElement* GetProxyFile() const;
@@ -282,6 +305,8 @@ public:
     void SymmetrizeRespectYAxis();
 
     bool LoadFromXMLElement(Ruvex::IDOMElement* element, Ruvex::IDOMParser* parser) override;
+    // A proxy whose content came from its file writes the reference only.
+    Ruvex::IDOMElement* BuildXMLElement(Ruvex::IDOMParser* parser) override;
 
     // Junction space: tracks and profiles derived inside intersections (the ways of lane links). They belong
     // to this sub-network but to none of its lists (the stored junction tracks included), so nothing of them
@@ -302,6 +327,11 @@ protected:
 private:
     // Profiles and markings resolve marking, ground and material names again.
     void ResolveProfileReferences();
+    // Exchanges everything but the name, the placement and the proxy file with `other`.
+    void SwapContent(SubNetwork& other);
+
+    bool m_proxyLoaded = false;
+    std::string m_proxyLoadedFrom;
 
     Network* m_network = nullptr;
     std::vector<Ruvex::CountedPtr<Track>> m_junctionTracks;
