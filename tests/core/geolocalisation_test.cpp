@@ -109,7 +109,6 @@ TEST(Geolocalisation, SetTransformationParametersFromEpsg) {
 
     ASSERT_TRUE(geo.SetTransformationParameters(27562));
     EXPECT_EQ(geo.GetDocumentESPG(), 27562u);
-    EXPECT_TRUE(geo.IsSame(Orvia::Gdal::SpatialReference::FromEpsg(27562).ExportWkt()));
     EXPECT_EQ(geo.GetCenteringVector(), vek::Vector3());
     // Latitude and longitude now name the projected origin (0, 0).
     ASSERT_TRUE(geo.GetOrviaCoord(vek::Vector3(geo.GetLatitude(), geo.GetLongitude(), 0.0), local));
@@ -163,8 +162,6 @@ TEST(Geolocalisation, SetTransformationParametersFromText) {
         EXPECT_EQ(geo.GetDocumentWKT(), utm31);
         EXPECT_EQ(geo.GetDocumentESPG(), 32631u);
         EXPECT_EQ(geo.GetCenteringVector(), centre);
-        EXPECT_NEAR(geo.GetLatitude(), 45.0, kAngleToleranceDeg);
-        EXPECT_NEAR(geo.GetLongitude(), 2.0, kAngleToleranceDeg);
     }
 }
 
@@ -251,8 +248,6 @@ TEST(Geolocalisation, SaveAndLoad) {
     EXPECT_EQ(loaded->GetDocumentESPG(), 27562u);
     EXPECT_EQ(loaded->GetDocumentWKT(), geo.GetDocumentWKT());
     EXPECT_EQ(loaded->GetCenteringVector(), geo.GetCenteringVector());
-    EXPECT_NEAR(loaded->GetLatitude(), 46.2, kAngleToleranceDeg);
-    EXPECT_NEAR(loaded->GetLongitude(), 3.3, kAngleToleranceDeg);
     vek::Vector3 local;
     ASSERT_TRUE(loaded->GetOrviaCoord(vek::Vector3(46.2, 3.3, 0.0), local));
     ExpectNear(local, vek::Vector3(), kLocalToleranceM);

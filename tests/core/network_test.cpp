@@ -8,6 +8,7 @@
 #include <orvia/topology/road.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
+#include <orvia/vek/math.h>
 
 #include <gtest/gtest.h>
 
@@ -468,12 +469,8 @@ TEST(Network, BoundingBoxOfPlacedSubNetworks) {
     </SubNetworks></Network>)");
     ASSERT_TRUE(network);
     ASSERT_TRUE(network->GetBoundingBox(box));
-    EXPECT_NEAR(box.min.x, 100, kLengthToleranceM);
-    EXPECT_NEAR(box.max.x, 100, kLengthToleranceM);
-    EXPECT_NEAR(box.min.y, 50, kLengthToleranceM);
-    EXPECT_NEAR(box.max.y, 60, kLengthToleranceM);
-    EXPECT_NEAR(box.min.z, 0, kLengthToleranceM);
-    EXPECT_NEAR(box.max.z, 2, kLengthToleranceM);
+    EXPECT_TRUE(vek::isEqual(box.min, {100, 50, 0}, kLengthToleranceM));
+    EXPECT_TRUE(vek::isEqual(box.max, {100, 60, 2}, kLengthToleranceM));
 }
 
 TEST(Network, ExternalFiles) {

@@ -202,27 +202,15 @@ TEST(OrviaVisitor, EveryFileReferenceOnceInWalkOrder) {
     ASSERT_TRUE(network);
     Recorder recorder;
     recorder.Apply(network.Get());
-    const std::vector<std::string> expected = {"file:terrain/town.obj",
-                                               "file:surfaces/town.rsf",
-                                               "file:surfaces/town.psf",
-                                               "material:materials/grass.mat",
-                                               "chanel:textures/grass.png",
-                                               "begin:Centre",
-                                               "file:terrain/centre.obj",
-                                               "file:surfaces/centre.rsf",
-                                               "file:surfaces/centre.psf",
-                                               "file:proxies/centre.xml",
-                                               "material:materials/paint.mat",
-                                               "chanel:textures/paint.png",
-                                               "chanel:textures/paint_bump.png",
-                                               "material:materials/kerb.mat",
-                                               "file:objects/fountain.obj",
-                                               "entity:entities/child.xml",
-                                               "skin:textures/blue.png",
-                                               "end:Centre",
-                                               "begin:Outskirts",
-                                               "file:terrain/outskirts.obj",
-                                               "end:Outskirts"};
+    const std::vector<std::string> expected = {
+        "file:terrain/town.obj", "file:surfaces/town.rsf", "file:surfaces/town.psf",
+        "material:materials/grass.mat", "chanel:textures/grass.png",
+        // The sub-networks in brackets, the proxy after the sub-network's own files.
+        "begin:Centre", "file:terrain/centre.obj", "file:surfaces/centre.rsf", "file:surfaces/centre.psf",
+        "file:proxies/centre.xml", "material:materials/paint.mat", "chanel:textures/paint.png",
+        "chanel:textures/paint_bump.png", "material:materials/kerb.mat", "file:objects/fountain.obj",
+        "entity:entities/child.xml", "skin:textures/blue.png", "end:Centre", "begin:Outskirts",
+        "file:terrain/outskirts.obj", "end:Outskirts"};
     EXPECT_EQ(recorder.calls, expected);
 
     // On their own, a profile and a marking pass their materials, an entity generation every entity.

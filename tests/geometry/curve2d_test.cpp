@@ -40,24 +40,6 @@ double FootResidual(const Curve2D& curve, const vek::Vector2& p, double s) {
     return (p - pd.position).dot(pd.GetTangent());
 }
 
-// The nearest point of the curve and its straight extensions, found without the Newton iteration: the
-// nearest of samples every 25 cm, then bisection on the tangential residual.
-double TrueNearestAbscissa(const Curve2D& curve, const vek::Vector2& p) {
-    const double step = 0.25;
-    double best = 0, bestDistance = INFINITY;
-    for (double s = -20; s <= curve.GetLength() + 20; s += step) {
-        const double d = (Sample(curve, s).position - p).squaredNorm();
-        if (d < bestDistance) bestDistance = d, best = s;
-    }
-    double lo = best - 2 * step, hi = best + 2 * step;
-    EXPECT_TRUE(FootResidual(curve, p, lo) > 0 && FootResidual(curve, p, hi) < 0);
-    for (int i = 0; i < 100; ++i) {
-        const double mid = 0.5 * (lo + hi);
-        (FootResidual(curve, p, mid) > 0 ? lo : hi) = mid;
-    }
-    return 0.5 * (lo + hi);
-}
-
 // The nearest point of the curve and its straight extensions by brute force: the nearest of samples every
 // `step` (m) over [-margin, length + margin], then bisection on the tangential residual around it. Its
 // distance.
@@ -185,8 +167,9 @@ TEST(Curve2D, SearchNearestAbscissaFindsTheTrueFoot) {
         }
         // The stopping test measures the last step, about half the remaining error (less than twice it
         // here): a tolerance ten times finer than the accuracy wanted.
-        const double error =
-            std::fabs(curve.SearchNearestAbscissa(p, start, 1e-7, 1000) - TrueNearestAbscissa(curve, p));
+        double expected = 0;
+        DenseNearest(curve, p, 20, 0.25, expected);
+        const double error = std::fabs(curve.SearchNearestAbscissa(p, start, 1e-7, 1000) - expected);
         EXPECT_LT(error, 1e-6) << "point " << i;
     }
 }

@@ -207,13 +207,9 @@ TEST(ClothoArc, AgreesWithIntegratedHeading) {
         // Lengths up to 200 m, Cornu parameter |t| <= 3, both signs, increasing and decreasing, through zero.
         {200, 0, 0.05, {0, 0}, 0, 1e-6, 1e-8},
         {200, 0.05, -0.04, {1000, -500}, 2.5, 1e-6, 1e-8},
-        {120, -0.08, -0.01, {-30, 7}, -1, 1e-6, 1e-8},
-        {150, 0.01, 0.09, {5, 5}, kPi, 1e-6, 1e-8},
         {60, 0.2, 0.05, {0, 250}, -2.9, 1e-6, 1e-8},
-        {200, -0.001, -0.03, {-1e4, 2e4}, 0.4, 1e-6, 1e-8},
         {200, 0.04, 0.0, {12, -8}, 1.2, 1e-6, 1e-8},
         // Beyond the series' reach (tight, slowly changing curvature; a long spiral): 1e-9 m per metre.
-        {20, 0.28, 0.30, {-40, 15}, -2, 20e-9, 1e-9},
         {100, 0.01, 0.01002, {-40, 15}, -2, 100e-9, 1e-9},
         {200, 0, 0.36, {-40, 15}, -2, 200e-9, 1e-9},
         {50, -0.5, -0.45, {-40, 15}, -2, 50e-9, 1e-9},
@@ -251,7 +247,6 @@ TEST(ClothoArc, ContinuesAsTheClothoidBeyondItsEnds) {
     const Case cases[] = {
         {100, 0, 0.05, 1e-7},
         {200, 0.05, -0.04, 1e-7},
-        {80, -0.08, -0.01, 1e-7},
         {60, 0.2, 0.05, 1e-7},
         // Beyond the series' reach inside the piece too; and a very gentle transition, which
         // carries the series' error at its end (see AgreesWithIntegratedHeading) beyond it.

@@ -1,65 +1,33 @@
 // `orvia rail` run as a user would: the summary of a document, the warnings of one with dangling names, and
 // names that would drive a terminal printed harmless.
 
+#include "tools/command_run.h"
+
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
+using namespace orvia_cli_test;
 
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-class RailCommand : public testing::Test {
+class RailCommand : public ScratchTest {
 protected:
-    void SetUp() override {
-        m_dir = std::filesystem::temp_directory_path() /
-                ("orvia_rail_command_" +
-                 std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-        std::filesystem::create_directories(m_dir);
-    }
-    void TearDown() override { std::filesystem::remove_all(m_dir); }
-
-    Outcome Run(const std::string& arguments) const {
-        const std::filesystem::path out = m_dir / "stdout.txt";
-        const std::filesystem::path err = m_dir / "stderr.txt";
-        const std::string command = std::string("'") + ORVIA_CLI + "' rail " + arguments + " >'" +
-                                    out.string() + "' 2>'" + err.string() + "'";
-        const int raw = std::system(command.c_str());
-        return Outcome{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ReadFile(out), ReadFile(err)};
-    }
+    static CommandRun Run(const std::string& arguments) { return RunOrvia("rail " + arguments); }
 
     std::string Write(const std::string& body) const {
-        const std::filesystem::path path = m_dir / "rail.xml";
-        std::ofstream(path) << "<Ruvex version=\"2.5\" versionRevision=\"0\">\n<RailNetwork>\n"
-                            << body << "</RailNetwork>\n</Ruvex>\n";
-        return path.string();
+        return ScratchTest::Write("rail.xml",
+                                  "<Ruvex version=\"2.5\" versionRevision=\"0\">\n<RailNetwork>\n" + body +
+                                      "</RailNetwork>\n</Ruvex>\n");
     }
 
-    std::filesystem::path m_dir;
     const std::string m_data = std::string(ORVIA_SOURCE_DIR) + "/tests/data/";
 };
 
 }  // namespace
 
 TEST_F(RailCommand, SummarisesAsTextAndJson) {
-    Outcome text = Run("'" + m_data + "rail.xml'");
+    CommandRun text = Run("'" + m_data + "rail.xml'");
     EXPECT_EQ(text.status, 0) << text.err;
     EXPECT_EQ(text.err, "");
     for (const char* line :
@@ -69,7 +37,7 @@ TEST_F(RailCommand, SummarisesAsTextAndJson) {
           "unresolved:       0\n"})
         EXPECT_NE(text.out.find(line), std::string::npos) << line << "\nin\n" << text.out;
 
-    Outcome json = Run("'" + m_data + "rail_sample.xml' --json");
+    CommandRun json = Run("'" + m_data + "rail_sample.xml' --json");
     EXPECT_EQ(json.status, 0) << json.err;
     EXPECT_EQ(json.out.front(), '{');
     EXPECT_EQ(json.out.find('\n'), json.out.size() - 1);  // one object on one line
@@ -88,7 +56,7 @@ TEST_F(RailCommand, DanglingNamesAreWarnedWithTheirPlace) {
 </RailroadTracks>
 <Signals><Signal name="S&#x9b;2J"><TrackQuote trackName="A"/></Signal></Signals>
 )");
-    Outcome run = Run("'" + file + "'");
+    CommandRun run = Run("'" + file + "'");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.err.rfind(file + ":4:", 0), 0u) << run.err;
     EXPECT_NE(run.err.find("warning: <SwitchEnd> names the switch \"W9\""), std::string::npos) << run.err;
@@ -96,7 +64,7 @@ TEST_F(RailCommand, DanglingNamesAreWarnedWithTheirPlace) {
     EXPECT_EQ(run.out.find("\xc2\x9b"), std::string::npos);
     EXPECT_NE(run.out.find("  S\\x9B2J (track A)\n"), std::string::npos) << run.out;
 
-    Outcome other = Run("'" + std::string(ORVIA_SOURCE_DIR) + "/examples/city_centre.xml'");
+    CommandRun other = Run("'" + std::string(ORVIA_SOURCE_DIR) + "/examples/city_centre.xml'");
     EXPECT_EQ(other.status, 1);
     EXPECT_NE(other.err.find("holds no rail network"), std::string::npos) << other.err;
 }

@@ -1,20 +1,14 @@
+#include "command_run.h"
+
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
+using namespace orvia_cli_test;
 
 // "file:line:column: message\n" with numbers and a message on one line.
 bool IsPlacedProblem(const std::string& text, const std::string& file) {
@@ -36,51 +30,17 @@ bool IsZeroPoint(const std::string& text) {
     return unsignedText == "0.000 0.000 0.000\n";
 }
 
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-class OrviaTool : public ::testing::Test {
+class OrviaTool : public ScratchTest {
 protected:
-    void SetUp() override {
-        dir_ = std::filesystem::temp_directory_path() /
-               ("orvia_cli_test_" +
-                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        std::filesystem::create_directories(dir_);
-    }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
+    static CommandRun Orvia(const std::string& arguments) { return RunOrvia(arguments); }
 
-    // Runs the tool with `arguments` (already quoted for the shell).
-    Outcome Orvia(const std::string& arguments) const {
-        const std::filesystem::path out = dir_ / "stdout.txt";
-        const std::filesystem::path err = dir_ / "stderr.txt";
-        const std::string command = std::string("'") + ORVIA_CLI + "' " + arguments + " >'" + out.string() +
-                                    "' 2>'" + err.string() + "'";
-        const int raw = std::system(command.c_str());
-        Outcome run;
-        run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-        run.out = ReadFile(out);
-        run.err = ReadFile(err);
-        return run;
-    }
-
-    std::string Write(const std::string& name, const std::string& text) const {
-        const std::filesystem::path path = dir_ / name;
-        std::ofstream(path) << text;
-        return path.string();
-    }
-
-    std::filesystem::path dir_;
     const std::string example_ = std::string(ORVIA_SOURCE_DIR) + "/examples/city_centre.xml";
 };
 
 }  // namespace
 
 TEST_F(OrviaTool, InfoSummarisesTheNetwork) {
-    Outcome text = Orvia("info '" + example_ + "'");
+    CommandRun text = Orvia("info '" + example_ + "'");
     EXPECT_EQ(text.status, 0) << text.err;
     EXPECT_NE(text.out.find("format version: 2.5.0\n"), std::string::npos) << text.out;
     EXPECT_NE(text.out.find("name:           City Centre\n"), std::string::npos);
@@ -95,7 +55,7 @@ TEST_F(OrviaTool, InfoSummarisesTheNetwork) {
     EXPECT_NE(text.out.find("bounding box:   (-4.1, "), std::string::npos) << text.out;
     EXPECT_TRUE(text.err.empty());
 
-    Outcome json = Orvia("info --json '" + example_ + "'");
+    CommandRun json = Orvia("info --json '" + example_ + "'");
     EXPECT_EQ(json.status, 0);
     EXPECT_NE(json.out.find(
                   "\"subNetworks\": 2, \"junctions\": 1, \"roads\": 2, \"tracks\": 6, \"intersections\": 5"),
@@ -106,7 +66,7 @@ TEST_F(OrviaTool, InfoSummarisesTheNetwork) {
 
     const std::string empty =
         Write("empty.xml", R"(<Ruvex version="2.4"><Network name="Say &quot;hi&quot;"/></Ruvex>)");
-    Outcome bare = Orvia("info --json '" + empty + "'");
+    CommandRun bare = Orvia("info --json '" + empty + "'");
     EXPECT_EQ(bare.status, 0);
     EXPECT_NE(bare.out.find(R"("formatVersion": "2.4.0", "name": "Say \"hi\"")"), std::string::npos)
         << bare.out;
@@ -118,7 +78,7 @@ TEST_F(OrviaTool, FailuresGiveOneLineWithThePlace) {
         Write("bad_value.xml",
               "<Ruvex version=\"2.5\">\n  <Network name=\"x\">\n    <Roads><Road name=\"a\" "
               "priorityLevel=\"high\"/></Roads>\n  </Network>\n</Ruvex>\n");
-    Outcome run = Orvia("info '" + badValue + "'");
+    CommandRun run = Orvia("info '" + badValue + "'");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(
         run.err,
@@ -159,10 +119,10 @@ TEST_F(OrviaTool, ConvertCorrectsOldBankingSignOnce) {
     const std::string second = (dir_ / "second.xml").string();
     ASSERT_EQ(Orvia("convert '" + old.string() + "' '" + first + "'").status, 0);
     ASSERT_EQ(Orvia("convert '" + first + "' '" + second + "'").status, 0);
-    const std::string converted = ReadFile(first);
+    const std::string converted = Slurp(first);
     EXPECT_NE(converted.find("yIn=\"-0.05\""), std::string::npos) << converted;
     EXPECT_NE(converted.find("yOut=\"-0.05\""), std::string::npos) << converted;
-    EXPECT_EQ(ReadFile(second), converted);
+    EXPECT_EQ(Slurp(second), converted);
 }
 
 TEST_F(OrviaTool, ConvertWritesWhatReadsBackTheSame) {
@@ -170,19 +130,19 @@ TEST_F(OrviaTool, ConvertWritesWhatReadsBackTheSame) {
     const std::string second = (dir_ / "second.xml").string();
     ASSERT_EQ(Orvia("convert '" + example_ + "' '" + first + "'").status, 0);
     ASSERT_EQ(Orvia("convert '" + first + "' '" + second + "'").status, 0);
-    EXPECT_EQ(ReadFile(first), ReadFile(second));
+    EXPECT_EQ(Slurp(first), Slurp(second));
 
     // Absolute paths against given directories, then relative to the output's directory again.
     const std::string absolute = (dir_ / "absolute.xml").string();
     ASSERT_EQ(Orvia("convert '" + example_ + "' '" + absolute + "' --absolute-paths /data/city").status, 0);
-    EXPECT_NE(ReadFile(absolute).find("filePath=\"/data/city/terrain/city_centre_terrain.obj\""),
+    EXPECT_NE(Slurp(absolute).find("filePath=\"/data/city/terrain/city_centre_terrain.obj\""),
               std::string::npos);
     std::filesystem::create_directories(dir_ / "data");
     const std::string relative = (dir_ / "data" / "relative.xml").string();
     ASSERT_EQ(Orvia("convert '" + absolute + "' '" + relative + "' --relative-paths").status, 0);
-    EXPECT_NE(ReadFile(relative).find("filePath=\"../../../data/city/terrain/city_centre_terrain.obj\""),
+    EXPECT_NE(Slurp(relative).find("filePath=\"../../../data/city/terrain/city_centre_terrain.obj\""),
               std::string::npos)
-        << ReadFile(relative).substr(0, 4000);
+        << Slurp(relative).substr(0, 4000);
 
     EXPECT_NE(Orvia("convert '" + example_ + "' '" + relative + "' --relative-paths --absolute-paths").status,
               0);
@@ -190,13 +150,13 @@ TEST_F(OrviaTool, ConvertWritesWhatReadsBackTheSame) {
 }
 
 TEST_F(OrviaTool, GeoConvertsBothWays) {
-    Outcome origin = Orvia("geo '" + example_ + "' --to-wgs84 0 0 0");
+    CommandRun origin = Orvia("geo '" + example_ + "' --to-wgs84 0 0 0");
     EXPECT_EQ(origin.status, 0) << origin.err;
     EXPECT_EQ(origin.out, "45.764000000 4.835700000 170.000\n");
-    Outcome back = Orvia("geo '" + example_ + "' --to-local 45.764 4.8357 170");
+    CommandRun back = Orvia("geo '" + example_ + "' --to-local 45.764 4.8357 170");
     EXPECT_EQ(back.status, 0) << back.err;
     EXPECT_TRUE(IsZeroPoint(back.out)) << back.out;
-    Outcome west = Orvia("geo '" + example_ + "' --to-wgs84 -100 -50.5 0");
+    CommandRun west = Orvia("geo '" + example_ + "' --to-wgs84 -100 -50.5 0");
     EXPECT_EQ(west.status, 0);
 
     EXPECT_NE(Orvia("geo '" + example_ + "'").status, 0);
@@ -207,16 +167,16 @@ TEST_F(OrviaTool, GeoConvertsBothWays) {
 TEST_F(OrviaTool, GeoRefusesWhatIsNoPlaceOnEarth) {
     for (const char* point : {"--to-local 1e8 0 0", "--to-local 45 -181 0", "--to-local nan 0 0",
                               "--to-wgs84 0 1e300 0", "--to-wgs84 0 0 -1e6", "--to-wgs84 inf 0 0"}) {
-        Outcome run = Orvia("geo '" + example_ + "' " + point);
+        CommandRun run = Orvia("geo '" + example_ + "' " + point);
         EXPECT_EQ(run.status, 1) << point;
         EXPECT_TRUE(run.out.empty()) << point << ": " << run.out;
         EXPECT_NE(run.err.find("is outside"), std::string::npos) << point << ": " << run.err;
     }
-    Outcome run = Orvia("geo '" + example_ + "' --to-local 1e8 0 0");
+    CommandRun run = Orvia("geo '" + example_ + "' --to-local 1e8 0 0");
     EXPECT_EQ(run.err, example_ + ": latitude 1e+08 is outside [-90, 90] degrees\n");
 
     // A projection centred far beyond the Earth gives no answer either.
-    std::string text = ReadFile(example_);
+    std::string text = Slurp(example_);
     const size_t centre = text.find("centerX=\"");
     ASSERT_NE(centre, std::string::npos);
     text.replace(centre + 9, text.find('"', centre + 9) - centre - 9, "1e308");
@@ -234,7 +194,7 @@ TEST_F(OrviaTool, NamesCannotDriveTheTerminal) {
     const std::string named = Write("named.xml",
                                     "<Ruvex version=\"2.5\"><Network name=\"a\xC2\x9B"
                                     "2Jb\x7F\\&#9;\"/></Ruvex>");
-    Outcome run = Orvia("info '" + named + "'");
+    CommandRun run = Orvia("info '" + named + "'");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("name:           a\\x9B"
                            "2Jb\\x7F\\\\\\x09\n"),
@@ -257,7 +217,7 @@ TEST_F(OrviaTool, NamesCannotDriveTheTerminal) {
 
 TEST_F(OrviaTool, HelpForEveryCommand) {
     for (const char* command : {"--help", "info --help", "convert --help", "geo --help"}) {
-        Outcome run = Orvia(command);
+        CommandRun run = Orvia(command);
         EXPECT_EQ(run.status, 0) << command;
         EXPECT_NE(run.out.find("Usage:"), std::string::npos) << command;
     }

@@ -46,4 +46,21 @@ inline CommandRun RunOrvia(const std::string& arguments) {
     return run;
 }
 
+// A test with a scratch folder of its own to write documents into.
+class ScratchTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = ScratchFolder("orvia_cli_test_");
+        std::filesystem::create_directories(dir_);
+    }
+    void TearDown() override { std::filesystem::remove_all(dir_); }
+
+    std::string Write(const std::string& name, const std::string& text) const {
+        std::ofstream(dir_ / name) << text;
+        return (dir_ / name).string();
+    }
+
+    std::filesystem::path dir_;
+};
+
 }  // namespace orvia_cli_test

@@ -1,25 +1,14 @@
 // `orvia files` run as a user would.
 
+#include "command_run.h"
+
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
-namespace {
-
-std::string Slurp(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-}  // namespace
+using namespace orvia_cli_test;
 
 TEST(FilesCommand, ListsChecksReplacesAndRewrites) {
     const std::filesystem::path dir =
@@ -33,11 +22,9 @@ TEST(FilesCommand, ListsChecksReplacesAndRewrites) {
 <Material name="Grass" filePath="gone.png"><Diffuse filePath="grass.png"/></Material>
 </Materials></SubNetwork></SubNetworks></Network></Ruvex>)";
     auto run = [&](const std::string& arguments, std::string& out) {
-        const std::string command = std::string("'") + ORVIA_CLI + "' files " + arguments + " '" +
-                                    (dir / "net.xml").string() + "' >'" + (dir / "out").string() + "' 2>&1";
-        const int raw = std::system(command.c_str());
-        out = Slurp(dir / "out");
-        return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        const CommandRun run = RunOrvia("files " + arguments + " '" + (dir / "net.xml").string() + "'");
+        out = run.out + run.err;
+        return run.status;
     };
 
     std::string out;

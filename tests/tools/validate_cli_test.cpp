@@ -4,34 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 namespace {
 
 using namespace orvia_cli_test;
 
-// One folder per test: ctest runs the tests side by side.
-class ValidateCommand : public ::testing::Test {
+class ValidateCommand : public ScratchTest {
 protected:
-    void SetUp() override {
-        dir_ = ScratchFolder("orvia_validate_cli_");
-        std::filesystem::create_directories(dir_);
-    }
-    void TearDown() override { std::filesystem::remove_all(dir_); }
-
-    std::string Write(const std::string& name, const std::string& text) const {
-        std::ofstream(dir_ / name) << text;
-        return (dir_ / name).string();
-    }
-    CommandRun Run(const std::string& arguments) const { return RunOrvia("validate " + arguments); }
-
-    std::filesystem::path dir_;
+    static CommandRun Run(const std::string& arguments) { return RunOrvia("validate " + arguments); }
 };
 
 }  // namespace

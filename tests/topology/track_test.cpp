@@ -8,6 +8,7 @@
 #include <orvia/topology/portion.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
+#include <orvia/vek/math.h>
 
 #include <gtest/gtest.h>
 
@@ -77,6 +78,33 @@ void ExpectMark(const Track& track, double s, double t, const Expected& e) {
     EXPECT_NEAR(mark.roll, e.roll, kAngleToleranceRad) << "s=" << s << " t=" << t;
     EXPECT_NEAR(mark.pitch, e.pitch, kAngleToleranceRad) << "s=" << s << " t=" << t;
     EXPECT_NEAR(mark.yaw, e.yaw, kAngleToleranceRad) << "s=" << s << " t=" << t;
+}
+
+// Both tracks give the same mark, bit for bit, at every (s, t).
+void ExpectSameMarks(const Track& expected, const Track& actual, const std::vector<double>& along,
+                     const std::vector<double>& across) {
+    for (double s : along)
+        for (double t : across) {
+            vek::Mark a, b;
+            ASSERT_TRUE(expected.GetMark(a, s, t));
+            ASSERT_TRUE(actual.GetMark(b, s, t));
+            EXPECT_EQ(a, b) << "s=" << s << " t=" << t;
+        }
+}
+
+std::vector<double> Steps(double from, double to, double step) {
+    std::vector<double> out;
+    for (double s = from; s <= to; s += step)
+        out.push_back(s);
+    return out;
+}
+
+// A detached copy of the track, sampling as it does before any edit.
+CountedPtr<Track> Original(Track* track) {
+    CountedPtr<Track> copy(track->Clone());
+    copy->SetSubNetwork(track->GetSubNetwork());
+    copy->UpdatePortion();
+    return copy;
 }
 
 // Lane values of profile A / B at t, worked out by hand from the border heights.
@@ -162,16 +190,9 @@ TEST(Track, BankingSignGateAndRoundTrip) {
     CountedPtr<Network> again(Network::Load(path.c_str(), {}));
     std::filesystem::remove(path);
     ASSERT_TRUE(again);
-    const Track* before = old->GetSubNetwork(0)->GetTrack(0);
-    const Track* after = again->GetSubNetwork(0)->GetTrack(0);
-    EXPECT_DOUBLE_EQ(after->GetBanking(10), -0.05);
-    for (double s = -5; s <= 55; s += 2.5)
-        for (double t : {-3.0, -1.0, 0.0, 2.0, 8.0}) {
-            vek::Mark a, b;
-            ASSERT_TRUE(before->GetMark(a, s, t));
-            ASSERT_TRUE(after->GetMark(b, s, t));
-            EXPECT_EQ(a, b) << s << " " << t;
-        }
+    EXPECT_DOUBLE_EQ(again->GetSubNetwork(0)->GetTrack(0)->GetBanking(10), -0.05);
+    ExpectSameMarks(*old->GetSubNetwork(0)->GetTrack(0), *again->GetSubNetwork(0)->GetTrack(0),
+                    Steps(-5, 55, 2.5), {-3.0, -1.0, 0.0, 2.0, 8.0});
 }
 
 TEST(Track, RoundTripOfDataFileKeepsMarksBitForBit) {
@@ -187,13 +208,7 @@ TEST(Track, RoundTripOfDataFileKeepsMarksBitForBit) {
     const Track* b = again->GetSubNetwork(0)->GetTrackByName("Bend");
     ASSERT_TRUE(a && b);
     EXPECT_GT(a->GetXYLength(), 100);
-    for (double s = -10; s < a->GetXYLength() + 10; s += 3.7)
-        for (double t : {-4.0, -1.2, 0.0, 0.5, 3.0}) {
-            vek::Mark ma, mb;
-            ASSERT_TRUE(a->GetMark(ma, s, t));
-            ASSERT_TRUE(b->GetMark(mb, s, t));
-            EXPECT_EQ(ma, mb) << s << " " << t;
-        }
+    ExpectSameMarks(*a, *b, Steps(-10, a->GetXYLength() + 10, 3.7), {-4.0, -1.2, 0.0, 0.5, 3.0});
 }
 
 TEST(Track, PortionIndexAtEdges) {
@@ -376,9 +391,7 @@ TEST(Track, InvertedTrackSamplesTheSameRoad) {
     CountedPtr<Network> network = LoadNetwork(kStraight);
     SubNetwork* s = network->GetSubNetwork(0);
     Track* track = s->GetTrackByName("T");
-    CountedPtr<Track> original(track->Clone());
-    original->SetSubNetwork(s);
-    original->UpdatePortion();
+    CountedPtr<Track> original = Original(track);
     track->InvertTrack(true);
     EXPECT_EQ(track->GetPortionCount(), 2u);
     EXPECT_DOUBLE_EQ(track->GetPortion(0)->GetEndDistance(), 60);
@@ -399,9 +412,7 @@ TEST(Track, SplitHalvesSampleAsTheOriginal) {
     CountedPtr<Network> network = LoadNetwork(kStraight);
     SubNetwork* s = network->GetSubNetwork(0);
     Track* track = s->GetTrackByName("T");
-    CountedPtr<Track> original(track->Clone());
-    original->SetSubNetwork(s);
-    original->UpdatePortion();
+    CountedPtr<Track> original = Original(track);
     CountedPtr<Track> second(static_cast<Track*>(track->Split(60)));
     ASSERT_TRUE(second);
     EXPECT_EQ(second->GetName(), "T 1");
@@ -464,13 +475,9 @@ TEST(Track, LocalQueriesAndNodeOffsets) {
     EXPECT_EQ(start, 0);
     EXPECT_EQ(track->GetXYFunctionIndex(150, start), Track::npos);
 
-    const vek::Vector3 in = track->GetOffsetIn(), out = track->GetOffsetOut();
-    EXPECT_NEAR(in.x, 1, 1e-12);
-    EXPECT_NEAR(in.y, 0, 1e-12);
-    EXPECT_NEAR(in.z, -1, 1e-12);
-    EXPECT_NEAR(out.x, 5 + 100 * std::sin(1.0), 1e-9);
-    EXPECT_NEAR(out.y, 98 - 100 * std::cos(1.0), 1e-9);
-    EXPECT_NEAR(out.z, 10, 1e-12);
+    EXPECT_TRUE(vek::isEqual(track->GetOffsetIn(), {1, 0, -1}, 1e-12));
+    EXPECT_TRUE(
+        vek::isEqual(track->GetOffsetOut(), {5 + 100 * std::sin(1.0), 98 - 100 * std::cos(1.0), 10}, 1e-9));
     // The same intersection again changes nothing; null frees the end and clears its name.
     track->SetStartIntersectionName("renamed");
     track->SetStartIntersection(s->GetIntersectionByName("P"));
@@ -600,22 +607,15 @@ TEST(Track, VersionGatesReadTheSameTrack) {
         const Track* track = network->GetSubNetwork(0)->GetTrack(0);
         EXPECT_DOUBLE_EQ(track->GetBanking(50), -0.1) << version << "." << revision;
         ASSERT_EQ(track->GetPortionCount(), 2u);
-        for (double s : {0.0, 20.0, 70.0})
-            for (double t : {-2.0, 4.0}) {
-                vek::Mark a, b;
-                ASSERT_TRUE(expected->GetMark(a, s, t));
-                ASSERT_TRUE(track->GetMark(b, s, t));
-                EXPECT_EQ(a, b) << version << "." << revision << " s=" << s << " t=" << t;
-            }
+        SCOPED_TRACE(std::string(version) + "." + revision);
+        ExpectSameMarks(*expected, *track, {0.0, 20.0, 70.0}, {-2.0, 4.0});
     }
 }
 
 TEST(Track, PortionEdits) {
     CountedPtr<Network> network = LoadNetwork(kStraight);
     Track* track = network->GetSubNetwork(0)->GetTrackByName("T");
-    CountedPtr<Track> original(track->Clone());
-    original->SetSubNetwork(track->GetSubNetwork());
-    original->UpdatePortion();
+    CountedPtr<Track> original = Original(track);
     auto ends = [&] {
         std::vector<double> out;
         for (size_t i = 0; i < track->GetPortionCount(); ++i)
@@ -629,13 +629,7 @@ TEST(Track, PortionEdits) {
     ASSERT_TRUE(track->SplitPortion(70));
     EXPECT_EQ(ends(), (std::vector<double>{40, 70, 100}));
     EXPECT_EQ(track->GetPortion(2)->GetStartProfileName(), "B");
-    for (double s : {10.0, 45.0, 69.0, 70.0, 71.0, 99.0})
-        for (double t : {-2.0, 1.0, 5.0}) {
-            vek::Mark a, b;
-            ASSERT_TRUE(original->GetMark(a, s, t));
-            ASSERT_TRUE(track->GetMark(b, s, t));
-            EXPECT_EQ(a, b) << s << " " << t;
-        }
+    ExpectSameMarks(*original, *track, {10.0, 45.0, 69.0, 70.0, 71.0, 99.0}, {-2.0, 1.0, 5.0});
     // An end moves within its neighbours; the last one stays.
     EXPECT_TRUE(track->ModifyPortion(0, 55));
     EXPECT_EQ(ends(), (std::vector<double>{55, 70, 100}));
