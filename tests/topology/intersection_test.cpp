@@ -3,6 +3,7 @@
 #include <orvia/ruvex/factory.h>
 #include <orvia/topology/clipped_data.h>
 #include <orvia/topology/intersection.h>
+#include <orvia/topology/linear_object.h>
 #include <orvia/topology/link.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numbers>
 #include <sstream>
 #include <string>
@@ -554,4 +556,161 @@ TEST(Intersection, LoopCloneAndBookkeeping) {
     EXPECT_EQ(copy->GetInSubNetwork(), nullptr);
     EXPECT_EQ(Ruvex::SaveToString(copy.Get()), Ruvex::SaveToString(x));
     EXPECT_EQ(s->GetTrackByName("T")->GetStartIntersectionName(), "X");
+}
+
+namespace {
+
+// One lane of each kind of neighbour: "In" brings two lanes into X from the west, "Out" takes two lanes
+// east (banked 0.1), "N" is a single lane north, "Wk" and "Wk2" walkable arms south and south-east.
+std::string LaneNode() {
+    const std::string single = R"(<Profile name="Single"><Lane name="C" circulationWay="inverse"/>
+  <LaneBorder horizDistToAxis="-1.5"/><LaneBorder horizDistToAxis="1.5"/></Profile>)";
+    const std::string start = "startIntersectionName=\"X\"";
+    const double d = 10 / std::sqrt(2.0);
+    return "<Profiles>" + kOneWay + kWalk + single +
+           "</Profiles><Intersections><Intersection name=\"X\"/></Intersections><Tracks>" +
+           TrackXml("N", 0, 10, kPi / 2, "Single", start) +
+           TrackXml("In", -110, 0, 0, "OneWay", "endIntersectionName=\"X\"") +
+           TrackXml("Wk", 0, -10, -kPi / 2, "Walk", start) + TrackXml("Wk2", d, -d, -kPi / 4, "Walk", start) +
+           R"(<Track name="Out" startIntersectionName="X"><XYCurve x="10" y="0"><Segment length="100"/></XYCurve>
+<BankingCurve><Polynomial xIn="0" yIn="0.1" xOut="100" yOut="0.1"/></BankingCurve>
+<Portion endDistance="100" startProfileName="OneWay" endProfileName="OneWay"/></Track></Tracks>)";
+}
+
+void ExpectNear(const vek::Vector3& actual, const vek::Vector3& expected) {
+    EXPECT_NEAR(actual.x, expected.x, 1e-9);
+    EXPECT_NEAR(actual.y, expected.y, 1e-9);
+    EXPECT_NEAR(actual.z, expected.z, 1e-9);
+}
+
+}  // namespace
+
+TEST(Intersection, FollowingLanesAndMainRoad) {
+    CountedPtr<Network> network = LoadNetwork(LaneNode());
+    ASSERT_TRUE(network);
+    Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+
+    // Right of travel is up the profile for a lane along the axis, down it for a lane against it; a
+    // sidewalk or the profile's edge stops the search.
+    LaneOnIntersectionData next;
+    ASSERT_TRUE(x->GetFollowingDriveableLane(At("In", true, "A"), true, next));
+    EXPECT_EQ(next, At("In", true, "B"));
+    EXPECT_FALSE(x->GetFollowingDriveableLane(At("In", true, "A"), false, next));
+    EXPECT_FALSE(x->GetFollowingDriveableLane(At("Wk", false, "R"), true, next));
+    ASSERT_TRUE(x->GetFollowingDriveableLane(At("Wk", false, "L"), false, next));
+    EXPECT_EQ(next, At("Wk", false, "R"));
+    EXPECT_FALSE(x->GetFollowingDriveableLane(At("Wk", false, "L"), true, next));
+    EXPECT_FALSE(x->GetFollowingDriveableLane(At("In", false, "A"), true, next));  // not at X
+    EXPECT_FALSE(x->GetFollowingDriveableLane(At("Wk", false, "WL"), false, next));
+
+    std::vector<LaneConnection> pairs;
+    x->CreateFollowingLanesPairsFromInitialPair({At("In", true, "A"), At("Out", false, "A")}, pairs);
+    EXPECT_EQ(Texts(pairs), (std::vector<std::string>{"In.B-Out.B"}));
+    x->CreateFollowingLanesPairsFromInitialPair({At("In", true, "B"), At("Out", false, "B")}, pairs);
+    EXPECT_EQ(Texts(pairs), (std::vector<std::string>{"In.A-Out.A"}));
+    // Side by side only: B's right and A's left are missing; into the two-way arm the left neighbour
+    // runs the wrong way.
+    x->CreateFollowingLanesPairsFromInitialPair({At("In", true, "B"), At("Out", false, "A")}, pairs);
+    EXPECT_TRUE(pairs.empty());
+    x->CreateFollowingLanesPairsFromInitialPair({At("In", true, "B"), At("Wk", false, "R")}, pairs);
+    EXPECT_TRUE(pairs.empty());
+    x->CreateFollowingLanesPairsFromInitialPair({At("Out", false, "A"), At("In", true, "A")}, pairs);
+    EXPECT_TRUE(pairs.empty());  // not a compatible pair
+
+    std::vector<TrackExtremity> arms;
+    x->BuildTrackArrayAroundIntersection(arms);
+    EXPECT_EQ(Names(arms), (std::vector<std::string>{"N<", "In>", "Wk<", "Wk2<", "Out<"}));
+    x->SortExtremitiesByMainRoad(arms);
+    EXPECT_EQ(Names(arms), (std::vector<std::string>{"In>", "Wk<", "Wk2<", "Out<", "N<"}));
+
+    // Sidewalks connect round the corner but carry no drivable strip.
+    std::vector<LaneConnection> all;
+    std::vector<LaneConnection> strips;
+    x->ComputeAllConnections(all);
+    x->ComputeAllPassagewaysConnections(strips);
+    const std::vector<std::string> allTexts = Texts(all);
+    EXPECT_NE(std::find(allTexts.begin(), allTexts.end(), "Wk.WL-Wk2.WR"), allTexts.end());
+    std::vector<std::string> expected;
+    for (const std::string& text : allTexts)
+        if (text.find(".W") == std::string::npos) expected.push_back(text);
+    EXPECT_LT(expected.size(), allTexts.size());
+    EXPECT_EQ(Texts(strips), expected);
+    EXPECT_NE(std::find(expected.begin(), expected.end(), "In.A-Out.A"), expected.end());
+}
+
+TEST(Intersection, LaneEndGeometry) {
+    CountedPtr<Network> network = LoadNetwork(LaneNode());
+    ASSERT_TRUE(network);
+    Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+    EXPECT_TRUE(x->IsLaneExtremity(At("Out", false, "B")));
+    EXPECT_FALSE(x->IsLaneExtremity(At("Out", true, "B")));
+    EXPECT_FALSE(x->IsLaneExtremity(At("Out", false, "Z")));
+    EXPECT_FALSE(x->IsLaneExtremity(LaneOnIntersectionData("Out", false, "B", 1)));
+
+    vek::Vector3 p;
+    vek::Vector3 v;
+    double banking = 1;
+    // In ends at (-10, 0) heading east; A lies left of the axis, so north of it.
+    ASSERT_TRUE(x->ComputePositionBankingDirection(At("In", true, "A"), 5, p, v, banking));
+    ExpectNear(p, vek::Vector3(-15, 1.75, 0));
+    ExpectNear(v, vek::Vector3(1, 0, 0));
+    EXPECT_EQ(banking, 0);
+    ASSERT_TRUE(x->ComputePositionBankingDirection(At("In", true, "A"), 1000, p, v, banking));
+    ExpectNear(p, vek::Vector3(-110, 1.75, 0));
+    ASSERT_TRUE(x->ComputePositionBankingDirection(At("In", true, "A"), -3, p, v, banking));
+    ExpectNear(p, vek::Vector3(-10, 1.75, 0));
+    // Out starts at (10, 0): the tangent towards X runs against the axis, so the banking turns over; the
+    // point keeps the axis' banked altitude.
+    ASSERT_TRUE(x->ComputePositionBankingDirection(At("Out", false, "B"), 5, p, v, banking));
+    ExpectNear(p, vek::Vector3(15, -1.75, 1.75 * std::tan(-0.1)));
+    ExpectNear(v, vek::Vector3(-1, 0, 0));
+    EXPECT_NEAR(banking, -0.1, 1e-12);
+    EXPECT_FALSE(x->ComputePositionBankingDirection(At("Out", true, "B"), 5, p, v, banking));
+
+    ASSERT_TRUE(x->GetLaneBorder(At("In", true, "A"), true, p));
+    ExpectNear(p, vek::Vector3(-10, 3.5, 0));
+    ASSERT_TRUE(x->GetLaneBorder(At("In", true, "A"), false, p));
+    ExpectNear(p, vek::Vector3(-10, 0, 0));
+    EXPECT_FALSE(x->GetLaneBorder(At("N", true, "C"), false, p));
+
+    ASSERT_TRUE(
+        x->GetAnchorPos(TrackExtremity(network->GetSubNetwork(0)->GetTrackByName("In"), true), true, p));
+    ExpectNear(p, vek::Vector3(-10, 3.5, 0));
+    ASSERT_TRUE(
+        x->GetAnchorPos(TrackExtremity(network->GetSubNetwork(0)->GetTrackByName("Wk"), false), false, p));
+    ExpectNear(p, vek::Vector3(-5, -10, 0));
+    EXPECT_FALSE(x->GetAnchorPos(TrackExtremity(), false, p));
+
+    // The box holds the position and the outline at its altitude.
+    x->SetPosition(vek::Vector3(1, 2, 3));
+    vek::Box3 box = x->GetBoundingBox();
+    ExpectNear(box.min, vek::Vector3(1, 2, 3));
+    ExpectNear(box.max, vek::Vector3(1, 2, 3));
+    x->TrackConnector::SetContourPoints({vek::Vector2(-5, -4), vek::Vector2(6, -4), vek::Vector2(6, 7)}, {});
+    x->Invalidate();
+    x->Validate();
+    box = x->GetBoundingBox();
+    ExpectNear(box.min, vek::Vector3(-5, -4, 3));
+    ExpectNear(box.max, vek::Vector3(6, 7, 3));
+}
+
+TEST(Intersection, ValidateAttachesClippedData) {
+    CountedPtr<Network> network = LoadNetwork(LaneNode());
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Intersection* x = s->GetIntersectionByName("X");
+    auto* mark = new Orvia::MarkClippedData;
+    mark->SetName("Rail");
+    auto* linear = new Orvia::LinearObject;
+    mark->SetLinearObject(linear);
+    linear->SetClippedData(nullptr);
+    x->AddClippedData(mark);
+    x->Validate();  // already valid: nothing
+    EXPECT_EQ(mark->GetParent(), nullptr);
+    x->Invalidate();
+    x->Validate();
+    EXPECT_EQ(mark->GetParent(), x);
+    EXPECT_EQ(mark->GetInSubNetwork(), s);
+    EXPECT_EQ(mark->GetQualifiedName(), "S//Rail");
+    EXPECT_EQ(linear->GetClippedData(), mark);
 }

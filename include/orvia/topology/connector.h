@@ -5,6 +5,7 @@
 
 #include <orvia/ruvex/elements/ground.h>
 #include <orvia/ruvex/elements/network.h>
+#include <orvia/vek/box.h>
 #include <orvia/vek/vector.h>
 
 #include <orvia/topology/track.h>
@@ -117,6 +118,13 @@ public:
     size_t GetTrajContourNumber() const { return m_drawable.empty() ? 0 : 1; }
     const std::vector<vek::Vector2>& GetTrajContour(size_t index) const;
     void RefreshDrawableContours();
+    // Where the outline meets a track: the outer left (right) border of the profile at the extremity, at the
+    // track's altitude there with its banking applied. A junction answers in the network's frame. False
+    // without a track, an axis or a profile.
+    bool GetAnchorPos(const TrackExtremity& extremity, bool leftSide, vek::Vector3& position) const;
+    // The drawable outline (as of the last Validate) and the position, the outline at the position's
+    // altitude. Just the position while there is no outline.
+    vek::Box3 GetBoundingBox() const;
 
 protected:
     TrackConnector() = default;
