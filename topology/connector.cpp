@@ -266,7 +266,15 @@ bool TrackConnector::Validate() {
     return true;
 }
 
+void TrackConnector::GetUserPointsFromRuvexData() {
+    const auto& points = GetAsConnectionElement()->GetContourPoints();
+    m_userPoints.resize(points.size());
+    for (size_t i = 0; i < points.size(); ++i)
+        m_userPoints[i] = {points[i], IsInterpolationSpline(i)};
+}
+
 void TrackConnector::RefreshDrawableContours() {
+    GetUserPointsFromRuvexData();
     m_drawable.clear();
     const auto& points = GetAsConnectionElement()->GetContourPoints();
     const size_t n = points.size();

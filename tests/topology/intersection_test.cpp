@@ -589,53 +589,48 @@ TEST(Intersection, FollowingLanesAndMainRoad) {
     CountedPtr<Network> network = LoadNetwork(LaneNode());
     ASSERT_TRUE(network);
     Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+    const auto following = [x](const LaneOnIntersectionData& lane, bool toRight) {
+        LaneOnIntersectionData next;
+        return x->GetFollowingDriveableLane(lane, toRight, next) ? next.trackName + "." + next.laneName : "-";
+    };
+    // Right of travel is up the profile along the axis, down it against the axis; a sidewalk, the profile's
+    // edge or a lane end not at X give nothing.
+    EXPECT_EQ(following(At("In", true, "A"), true), "In.B");
+    EXPECT_EQ(following(At("Wk", false, "L"), false), "Wk.R");
+    for (const auto& [lane, toRight] : {std::pair{At("In", true, "A"), false},
+                                        {At("Wk", false, "R"), true},
+                                        {At("Wk", false, "L"), true},
+                                        {At("In", false, "A"), true},
+                                        {At("Wk", false, "WL"), false}})
+        EXPECT_EQ(following(lane, toRight), "-") << lane.trackName << "." << lane.laneName;
 
-    // Right of travel is up the profile for a lane along the axis, down it for a lane against it; a
-    // sidewalk or the profile's edge stops the search.
-    LaneOnIntersectionData next;
-    ASSERT_TRUE(x->GetFollowingDriveableLane(At("In", true, "A"), true, next));
-    EXPECT_EQ(next, At("In", true, "B"));
-    EXPECT_FALSE(x->GetFollowingDriveableLane(At("In", true, "A"), false, next));
-    EXPECT_FALSE(x->GetFollowingDriveableLane(At("Wk", false, "R"), true, next));
-    ASSERT_TRUE(x->GetFollowingDriveableLane(At("Wk", false, "L"), false, next));
-    EXPECT_EQ(next, At("Wk", false, "R"));
-    EXPECT_FALSE(x->GetFollowingDriveableLane(At("Wk", false, "L"), true, next));
-    EXPECT_FALSE(x->GetFollowingDriveableLane(At("In", false, "A"), true, next));  // not at X
-    EXPECT_FALSE(x->GetFollowingDriveableLane(At("Wk", false, "WL"), false, next));
-
-    std::vector<LaneConnection> pairs;
-    x->CreateFollowingLanesPairsFromInitialPair({At("In", true, "A"), At("Out", false, "A")}, pairs);
-    EXPECT_EQ(Texts(pairs), (std::vector<std::string>{"In.B-Out.B"}));
-    x->CreateFollowingLanesPairsFromInitialPair({At("In", true, "B"), At("Out", false, "B")}, pairs);
-    EXPECT_EQ(Texts(pairs), (std::vector<std::string>{"In.A-Out.A"}));
-    // Side by side only: B's right and A's left are missing; into the two-way arm the left neighbour
-    // runs the wrong way.
-    x->CreateFollowingLanesPairsFromInitialPair({At("In", true, "B"), At("Out", false, "A")}, pairs);
-    EXPECT_TRUE(pairs.empty());
-    x->CreateFollowingLanesPairsFromInitialPair({At("In", true, "B"), At("Wk", false, "R")}, pairs);
-    EXPECT_TRUE(pairs.empty());
-    x->CreateFollowingLanesPairsFromInitialPair({At("Out", false, "A"), At("In", true, "A")}, pairs);
-    EXPECT_TRUE(pairs.empty());  // not a compatible pair
+    const auto pairsFrom = [x](const LaneOnIntersectionData& from, const LaneOnIntersectionData& to) {
+        std::vector<LaneConnection> pairs{{from, to}};
+        x->CreateFollowingLanesPairsFromInitialPair({from, to}, pairs);
+        return Texts(pairs);
+    };
+    EXPECT_EQ(pairsFrom(At("In", true, "A"), At("Out", false, "A")), std::vector<std::string>{"In.B-Out.B"});
+    EXPECT_EQ(pairsFrom(At("In", true, "B"), At("Out", false, "B")), std::vector<std::string>{"In.A-Out.A"});
+    // Side by side only; into the two-way arm the left neighbour runs the wrong way; an incompatible start.
+    EXPECT_TRUE(pairsFrom(At("In", true, "B"), At("Out", false, "A")).empty());
+    EXPECT_TRUE(pairsFrom(At("In", true, "B"), At("Wk", false, "R")).empty());
+    EXPECT_TRUE(pairsFrom(At("Out", false, "A"), At("In", true, "A")).empty());
 
     std::vector<TrackExtremity> arms;
     x->BuildTrackArrayAroundIntersection(arms);
-    EXPECT_EQ(Names(arms), (std::vector<std::string>{"N<", "In>", "Wk<", "Wk2<", "Out<"}));
     x->SortExtremitiesByMainRoad(arms);
     EXPECT_EQ(Names(arms), (std::vector<std::string>{"In>", "Wk<", "Wk2<", "Out<", "N<"}));
 
     // Sidewalks connect round the corner but carry no drivable strip.
     std::vector<LaneConnection> all;
-    std::vector<LaneConnection> strips;
     x->ComputeAllConnections(all);
-    x->ComputeAllPassagewaysConnections(strips);
-    const std::vector<std::string> allTexts = Texts(all);
-    EXPECT_NE(std::find(allTexts.begin(), allTexts.end(), "Wk.WL-Wk2.WR"), allTexts.end());
     std::vector<std::string> expected;
-    for (const std::string& text : allTexts)
+    for (const std::string& text : Texts(all))
         if (text.find(".W") == std::string::npos) expected.push_back(text);
-    EXPECT_LT(expected.size(), allTexts.size());
-    EXPECT_EQ(Texts(strips), expected);
-    EXPECT_NE(std::find(expected.begin(), expected.end(), "In.A-Out.A"), expected.end());
+    EXPECT_EQ(std::ranges::count(Texts(all), "Wk.WL-Wk2.WR"), 1);
+    EXPECT_EQ(std::ranges::count(expected, "In.A-Out.A"), 1);
+    x->ComputeAllPassagewaysConnections(all);
+    EXPECT_EQ(Texts(all), expected);
 }
 
 TEST(Intersection, LaneEndGeometry) {
@@ -647,70 +642,67 @@ TEST(Intersection, LaneEndGeometry) {
     EXPECT_FALSE(x->IsLaneExtremity(At("Out", false, "Z")));
     EXPECT_FALSE(x->IsLaneExtremity(LaneOnIntersectionData("Out", false, "B", 1)));
 
+    // In ends at (-10, 0) heading east, A left of the axis; the distance is clamped to the track.
     vek::Vector3 p;
     vek::Vector3 v;
     double banking = 1;
-    // In ends at (-10, 0) heading east; A lies left of the axis, so north of it.
-    ASSERT_TRUE(x->ComputePositionBankingDirection(At("In", true, "A"), 5, p, v, banking));
-    ExpectNear(p, vek::Vector3(-15, 1.75, 0));
-    ExpectNear(v, vek::Vector3(1, 0, 0));
-    EXPECT_EQ(banking, 0);
-    ASSERT_TRUE(x->ComputePositionBankingDirection(At("In", true, "A"), 1000, p, v, banking));
-    ExpectNear(p, vek::Vector3(-110, 1.75, 0));
-    ASSERT_TRUE(x->ComputePositionBankingDirection(At("In", true, "A"), -3, p, v, banking));
-    ExpectNear(p, vek::Vector3(-10, 1.75, 0));
-    // Out starts at (10, 0): the tangent towards X runs against the axis, so the banking turns over; the
-    // point keeps the axis' banked altitude.
+    for (const auto& [distance, along] : {std::pair{5.0, -15.0}, {1000.0, -110.0}, {-3.0, -10.0}}) {
+        ASSERT_TRUE(x->ComputePositionBankingDirection(At("In", true, "A"), distance, p, v, banking));
+        ExpectNear(p, vek::Vector3(along, 1.75, 0));
+        ExpectNear(v, vek::Vector3(1, 0, 0));
+        EXPECT_EQ(banking, 0);
+    }
+    // Out starts at (10, 0): the tangent towards X runs against the axis, so the banking turns over.
     ASSERT_TRUE(x->ComputePositionBankingDirection(At("Out", false, "B"), 5, p, v, banking));
     ExpectNear(p, vek::Vector3(15, -1.75, 1.75 * std::tan(-0.1)));
     ExpectNear(v, vek::Vector3(-1, 0, 0));
     EXPECT_NEAR(banking, -0.1, 1e-12);
     EXPECT_FALSE(x->ComputePositionBankingDirection(At("Out", true, "B"), 5, p, v, banking));
 
-    ASSERT_TRUE(x->GetLaneBorder(At("In", true, "A"), true, p));
-    ExpectNear(p, vek::Vector3(-10, 3.5, 0));
     ASSERT_TRUE(x->GetLaneBorder(At("In", true, "A"), false, p));
     ExpectNear(p, vek::Vector3(-10, 0, 0));
     EXPECT_FALSE(x->GetLaneBorder(At("N", true, "C"), false, p));
-
-    ASSERT_TRUE(
-        x->GetAnchorPos(TrackExtremity(network->GetSubNetwork(0)->GetTrackByName("In"), true), true, p));
+    SubNetwork* s = network->GetSubNetwork(0);
+    ASSERT_TRUE(x->GetAnchorPos(TrackExtremity(s->GetTrackByName("In"), true), true, p));
     ExpectNear(p, vek::Vector3(-10, 3.5, 0));
-    ASSERT_TRUE(
-        x->GetAnchorPos(TrackExtremity(network->GetSubNetwork(0)->GetTrackByName("Wk"), false), false, p));
+    ASSERT_TRUE(x->GetAnchorPos(TrackExtremity(s->GetTrackByName("Wk"), false), false, p));
     ExpectNear(p, vek::Vector3(-5, -10, 0));
     EXPECT_FALSE(x->GetAnchorPos(TrackExtremity(), false, p));
-
-    // The box holds the position and the outline at its altitude.
-    x->SetPosition(vek::Vector3(1, 2, 3));
-    vek::Box3 box = x->GetBoundingBox();
-    ExpectNear(box.min, vek::Vector3(1, 2, 3));
-    ExpectNear(box.max, vek::Vector3(1, 2, 3));
-    x->TrackConnector::SetContourPoints({vek::Vector2(-5, -4), vek::Vector2(6, -4), vek::Vector2(6, 7)}, {});
-    x->Invalidate();
-    x->Validate();
-    box = x->GetBoundingBox();
-    ExpectNear(box.min, vek::Vector3(-5, -4, 3));
-    ExpectNear(box.max, vek::Vector3(6, 7, 3));
 }
 
-TEST(Intersection, ValidateAttachesClippedData) {
+TEST(Intersection, ValidateRefreshesOutlineAndClippedData) {
     CountedPtr<Network> network = LoadNetwork(LaneNode());
     ASSERT_TRUE(network);
     SubNetwork* s = network->GetSubNetwork(0);
     Intersection* x = s->GetIntersectionByName("X");
+    x->SetPosition(vek::Vector3(1, 2, 3));
+    EXPECT_EQ(x->GetBoundingBox().min, vek::Vector3(1, 2, 3));
+    EXPECT_EQ(x->GetBoundingBox().max, vek::Vector3(1, 2, 3));
     auto* mark = new Orvia::MarkClippedData;
     mark->SetName("Rail");
     auto* linear = new Orvia::LinearObject;
     mark->SetLinearObject(linear);
     linear->SetClippedData(nullptr);
     x->AddClippedData(mark);
-    x->Validate();  // already valid: nothing
-    EXPECT_EQ(mark->GetParent(), nullptr);
+    x->TrackConnector::SetContourPoints({vek::Vector2(-5, -4), vek::Vector2(6, -4), vek::Vector2(6, 7)}, {});
     x->Invalidate();
     x->Validate();
+    EXPECT_EQ(x->GetBoundingBox().min, vek::Vector3(-5, -4, 3));
+    EXPECT_EQ(x->GetBoundingBox().max, vek::Vector3(6, 7, 3));
+    x->SetInterpolation(1, true);
+    x->GetUserPointsFromRuvexData();
+    ASSERT_EQ(x->UserPoints().size(), 3u);
+    EXPECT_EQ(x->UserPoints()[1], (Orvia::TrackConnector::UserPoint{vek::Vector2(6, -4), true}));
+    EXPECT_FALSE(x->UserPoints()[2].spline);
     EXPECT_EQ(mark->GetParent(), x);
     EXPECT_EQ(mark->GetInSubNetwork(), s);
     EXPECT_EQ(mark->GetQualifiedName(), "S//Rail");
     EXPECT_EQ(linear->GetClippedData(), mark);
+
+    EXPECT_FALSE(x->IsConnectorSpecificMaterial());
+    x->SetMaterial(vek::Material());
+    EXPECT_TRUE(x->IsConnectorSpecificMaterial());
+    x->RemoveConnectorMaterial();
+    EXPECT_FALSE(x->IsConnectorSpecificMaterial());
+    EXPECT_EQ(x->GetMaterial(), nullptr);
 }
