@@ -240,10 +240,9 @@ void Intersection::GetNonlinkedLanesPairs(std::vector<LaneConnection>& out) cons
 
 void Intersection::ComputeAllPassagewaysConnections(std::vector<LaneConnection>& out) const {
     ComputeAllConnections(out);
-    Network* network = GetNetwork();
-    std::erase_if(out, [&](const LaneConnection& pair) {
-        return !IsDriveableLane(pair.first.GetLane(network)) ||
-               !IsDriveableLane(pair.second.GetLane(network));
+    std::erase_if(out, [this](const LaneConnection& pair) {
+        return !IsDriveableLane(GetLaneFromLaneData(pair.first)) ||
+               !IsDriveableLane(GetLaneFromLaneData(pair.second));
     });
 }
 
@@ -328,8 +327,8 @@ void Intersection::CreateFollowingLanesPairsFromInitialPair(const LaneConnection
                                                             std::vector<LaneConnection>& out) const {
     out.clear();
     if (!AreCompatibleLanes(initial.first, initial.second) ||
-        !IsDriveableLane(initial.first.GetLane(GetNetwork())) ||
-        !IsDriveableLane(initial.second.GetLane(GetNetwork())))
+        !IsDriveableLane(GetLaneFromLaneData(initial.first)) ||
+        !IsDriveableLane(GetLaneFromLaneData(initial.second)))
         return;
     for (const bool toRight : {true, false}) {
         LaneConnection pair = initial;
