@@ -266,7 +266,15 @@ bool TrackConnector::Validate() {
     return true;
 }
 
+void TrackConnector::GetUserPointsFromRuvexData() {
+    const auto& points = GetAsConnectionElement()->GetContourPoints();
+    m_userPoints.resize(points.size());
+    for (size_t i = 0; i < points.size(); ++i)
+        m_userPoints[i] = {points[i], IsInterpolationSpline(i)};
+}
+
 void TrackConnector::RefreshDrawableContours() {
+    GetUserPointsFromRuvexData();
     m_drawable.clear();
     const auto& points = GetAsConnectionElement()->GetContourPoints();
     const size_t n = points.size();
@@ -286,6 +294,29 @@ void TrackConnector::RefreshDrawableContours() {
 const std::vector<vek::Vector2>& TrackConnector::GetTrajContour(size_t index) const {
     static const std::vector<vek::Vector2> none;
     return index == 0 ? m_drawable : none;
+}
+
+bool TrackConnector::GetAnchorPos(const TrackExtremity& extremity, bool leftSide,
+                                  vek::Vector3& position) const {
+    position = vek::Vector3();
+    Track* track = extremity.GetTrack();
+    const Profile* profile = extremity.GetProfile();
+    if (!track || !profile || !track->Validate()) return false;
+    const double s = extremity.IsEnd() ? track->GetXYLength() : 0.0;
+    const double t = leftSide ? profile->GetLeftPosX() : profile->GetRightPosX();
+    if (!track->GetPosition(position, s, t)) return false;
+    if (!m_subNetwork && track->GetSubNetwork())
+        position = track->GetSubNetwork()->GetTransform().apply(position);
+    return true;
+}
+
+vek::Box3 TrackConnector::GetBoundingBox() const {
+    vek::Box3 box;
+    const vek::Vector3& position = GetPosition();
+    box.add(position);
+    for (const vek::Vector2& p : m_drawable)
+        box.add(vek::Vector3(p.x, p.y, position.z));
+    return box;
 }
 
 bool TrackConnector::GetDirection(vek::Vector2& direction, const TrackExtremity& extremity) const {

@@ -5,6 +5,7 @@
 #include <orvia/core/network.h>
 #include <orvia/geometry/profile.h>
 #include <orvia/topology/clipped_data.h>
+#include <orvia/topology/linear_object.h>
 #include <orvia/topology/link.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
@@ -126,7 +127,19 @@ void Intersection::SetMaterial(Ruvex::MaterialElement* material) {
 
 bool Intersection::Validate() {
     if (IsValid()) return true;
-    return TrackConnector::Validate();
+    TrackConnector::Validate();
+    for (size_t i = 0; i < m_ClippedData.size(); ++i) {
+        MarkClippedData* data = GetClippedData(i);
+        if (!data) continue;
+        // Setting the same sub-network again would not refresh a name changed since.
+        if (data->GetInSubNetwork() != m_subNetwork)
+            data->SetInSubNetwork(m_subNetwork);
+        else
+            data->UpdateQualifiedName();
+        if (LinearObject* linear = data->GetLinearObject()) linear->SetClippedData(data);
+        data->SetParent(this);
+    }
+    return true;
 }
 
 void Intersection::SetInSubNetwork(SubNetwork* subNetwork) {
@@ -223,6 +236,114 @@ void Intersection::GetNonlinkedLanesPairs(std::vector<LaneConnection>& out) cons
         }
         return false;
     });
+}
+
+void Intersection::ComputeAllPassagewaysConnections(std::vector<LaneConnection>& out) const {
+    ComputeAllConnections(out);
+    std::erase_if(out, [this](const LaneConnection& pair) {
+        return !IsDriveableLane(GetLaneFromLaneData(pair.first)) ||
+               !IsDriveableLane(GetLaneFromLaneData(pair.second));
+    });
+}
+
+bool Intersection::ResolveLaneEnd(const LaneOnIntersectionData& lane, TrackExtremity& extremity,
+                                  Profile*& profile, size_t& laneIndex) const {
+    if (!m_subNetwork || m_name.empty() || lane.subNetworkIndex != IndexOf(m_subNetwork)) return false;
+    Track* track = m_subNetwork->GetTrackByName(lane.trackName);
+    if (!track) return false;
+    const std::string& node =
+        lane.atTrackEnd ? track->GetEndIntersectionName() : track->GetStartIntersectionName();
+    if (node != m_name) return false;
+    extremity = TrackExtremity(track, lane.atTrackEnd);
+    profile = extremity.GetProfile();
+    if (!profile) return false;
+    laneIndex = profile->GetLaneIndex(profile->GetLaneByName(lane.laneName.c_str()));
+    return laneIndex != Profile::npos;
+}
+
+bool Intersection::IsLaneExtremity(const LaneOnIntersectionData& lane) const {
+    TrackExtremity extremity;
+    Profile* profile = nullptr;
+    size_t index = 0;
+    return ResolveLaneEnd(lane, extremity, profile, index);
+}
+
+bool Intersection::GetLaneBorder(const LaneOnIntersectionData& lane, bool left, vek::Vector3& point) const {
+    TrackExtremity extremity;
+    Profile* profile = nullptr;
+    size_t index = 0;
+    if (!ResolveLaneEnd(lane, extremity, profile, index)) return false;
+    Track* track = extremity.GetTrack();
+    if (!track->Validate()) return false;
+    const Lane* found = profile->GetLane(index);
+    const double t = left ? found->GetLeftPositionX() : found->GetRightPositionX();
+    return track->GetPosition(point, extremity.IsEnd() ? track->GetXYLength() : 0.0, t);
+}
+
+bool Intersection::ComputePositionBankingDirection(const LaneOnIntersectionData& lane, double distance,
+                                                   vek::Vector3& position, vek::Vector3& direction,
+                                                   double& banking) const {
+    TrackExtremity extremity;
+    Profile* profile = nullptr;
+    size_t index = 0;
+    if (!ResolveLaneEnd(lane, extremity, profile, index)) return false;
+    Track* track = extremity.GetTrack();
+    if (!track->Validate()) return false;
+    const double length = track->GetXYLength();
+    const double into = std::clamp(distance, 0.0, length);
+    const double s = extremity.IsEnd() ? length - into : into;
+    if (!track->GetPosition(position, s, profile->GetLane(index)->GetCenterOffset().first) ||
+        !track->GetTangent(direction, s))
+        return false;
+    banking = track->GetBanking(s);
+    if (!extremity.IsEnd()) {
+        direction = direction * -1.0;
+        banking = -banking;
+    }
+    return true;
+}
+
+bool Intersection::GetFollowingDriveableLane(const LaneOnIntersectionData& lane, bool toRight,
+                                             LaneOnIntersectionData& following) const {
+    TrackExtremity extremity;
+    Profile* profile = nullptr;
+    size_t index = 0;
+    if (!ResolveLaneEnd(lane, extremity, profile, index)) return false;
+    const Lane* current = profile->GetLane(index);
+    if (!IsDriveableLane(current)) return false;
+    // Lanes are listed left to right along the axis; a lane running against it sees them mirrored.
+    const bool alongAxis = (current->GetCirculationWay() & eWayDirect) != 0;
+    const bool up = alongAxis == toRight;
+    if (!up && index == 0) return false;
+    const size_t next = up ? index + 1 : index - 1;
+    const Lane* neighbour = next < profile->GetLaneCount() ? profile->GetLane(next) : nullptr;
+    if (!IsDriveableLane(neighbour)) return false;
+    following =
+        LaneOnIntersectionData(lane.trackName, lane.atTrackEnd, neighbour->GetName(), lane.subNetworkIndex);
+    return true;
+}
+
+void Intersection::CreateFollowingLanesPairsFromInitialPair(const LaneConnection& initial,
+                                                            std::vector<LaneConnection>& out) const {
+    out.clear();
+    if (!AreCompatibleLanes(initial.first, initial.second) ||
+        !IsDriveableLane(GetLaneFromLaneData(initial.first)) ||
+        !IsDriveableLane(GetLaneFromLaneData(initial.second)))
+        return;
+    for (const bool toRight : {true, false}) {
+        LaneConnection pair = initial;
+        while (GetFollowingDriveableLane(pair.first, toRight, pair.first) &&
+               GetFollowingDriveableLane(pair.second, toRight, pair.second) &&
+               AreCompatibleLanes(pair.first, pair.second))
+            out.push_back(pair);
+    }
+}
+
+void Intersection::SortExtremitiesByMainRoad(std::vector<TrackExtremity>& extremities) const {
+    std::stable_sort(extremities.begin(), extremities.end(),
+                     [this](const TrackExtremity& a, const TrackExtremity& b) {
+                         return GetNumberOfDriveableLanes(a) > GetNumberOfDriveableLanes(b);
+                     });
 }
 
 LanePair* Intersection::GetBannedLink(size_t index) const {

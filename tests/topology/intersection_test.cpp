@@ -3,6 +3,7 @@
 #include <orvia/ruvex/factory.h>
 #include <orvia/topology/clipped_data.h>
 #include <orvia/topology/intersection.h>
+#include <orvia/topology/linear_object.h>
 #include <orvia/topology/link.h>
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numbers>
 #include <sstream>
 #include <string>
@@ -554,4 +556,148 @@ TEST(Intersection, LoopCloneAndBookkeeping) {
     EXPECT_EQ(copy->GetInSubNetwork(), nullptr);
     EXPECT_EQ(Ruvex::SaveToString(copy.Get()), Ruvex::SaveToString(x));
     EXPECT_EQ(s->GetTrackByName("T")->GetStartIntersectionName(), "X");
+}
+
+namespace {
+
+// One lane of each kind of neighbour: "In" brings two lanes into X from the west, "Out" takes two lanes
+// east (banked 0.1), "N" is a single lane north, "Wk" and "Wk2" walkable arms south and south-east.
+std::string LaneNode() {
+    const std::string single = R"(<Profile name="Single"><Lane name="C" circulationWay="inverse"/>
+  <LaneBorder horizDistToAxis="-1.5"/><LaneBorder horizDistToAxis="1.5"/></Profile>)";
+    const std::string start = "startIntersectionName=\"X\"";
+    const double d = 10 / std::sqrt(2.0);
+    return "<Profiles>" + kOneWay + kWalk + single +
+           "</Profiles><Intersections><Intersection name=\"X\"/></Intersections><Tracks>" +
+           TrackXml("N", 0, 10, kPi / 2, "Single", start) +
+           TrackXml("In", -110, 0, 0, "OneWay", "endIntersectionName=\"X\"") +
+           TrackXml("Wk", 0, -10, -kPi / 2, "Walk", start) + TrackXml("Wk2", d, -d, -kPi / 4, "Walk", start) +
+           R"(<Track name="Out" startIntersectionName="X"><XYCurve x="10" y="0"><Segment length="100"/></XYCurve>
+<BankingCurve><Polynomial xIn="0" yIn="0.1" xOut="100" yOut="0.1"/></BankingCurve>
+<Portion endDistance="100" startProfileName="OneWay" endProfileName="OneWay"/></Track></Tracks>)";
+}
+
+void ExpectNear(const vek::Vector3& actual, const vek::Vector3& expected) {
+    EXPECT_LT((actual - expected).norm(), 1e-9) << actual.x << " " << actual.y << " " << actual.z;
+}
+
+}  // namespace
+
+TEST(Intersection, FollowingLanesAndMainRoad) {
+    CountedPtr<Network> network = LoadNetwork(LaneNode());
+    ASSERT_TRUE(network);
+    Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+    const auto following = [x](const LaneOnIntersectionData& lane, bool toRight) {
+        LaneOnIntersectionData next;
+        return x->GetFollowingDriveableLane(lane, toRight, next) ? next.trackName + "." + next.laneName : "-";
+    };
+    // Right of travel is up the profile along the axis, down it against the axis; a sidewalk, the profile's
+    // edge or a lane end not at X give nothing.
+    EXPECT_EQ(following(At("In", true, "A"), true), "In.B");
+    EXPECT_EQ(following(At("Wk", false, "L"), false), "Wk.R");
+    for (const auto& [lane, toRight] : {std::pair{At("In", true, "A"), false},
+                                        {At("Wk", false, "R"), true},
+                                        {At("Wk", false, "L"), true},
+                                        {At("In", false, "A"), true},
+                                        {At("Wk", false, "WL"), false}})
+        EXPECT_EQ(following(lane, toRight), "-") << lane.trackName << "." << lane.laneName;
+
+    const auto pairsFrom = [x](const LaneOnIntersectionData& from, const LaneOnIntersectionData& to) {
+        std::vector<LaneConnection> pairs{{from, to}};
+        x->CreateFollowingLanesPairsFromInitialPair({from, to}, pairs);
+        return Texts(pairs);
+    };
+    EXPECT_EQ(pairsFrom(At("In", true, "A"), At("Out", false, "A")), std::vector<std::string>{"In.B-Out.B"});
+    EXPECT_EQ(pairsFrom(At("In", true, "B"), At("Out", false, "B")), std::vector<std::string>{"In.A-Out.A"});
+    // Side by side only; into the two-way arm the left neighbour runs the wrong way; an incompatible start.
+    EXPECT_TRUE(pairsFrom(At("In", true, "B"), At("Out", false, "A")).empty());
+    EXPECT_TRUE(pairsFrom(At("In", true, "B"), At("Wk", false, "R")).empty());
+    EXPECT_TRUE(pairsFrom(At("Out", false, "A"), At("In", true, "A")).empty());
+
+    std::vector<TrackExtremity> arms;
+    x->BuildTrackArrayAroundIntersection(arms);
+    x->SortExtremitiesByMainRoad(arms);
+    EXPECT_EQ(Names(arms), (std::vector<std::string>{"In>", "Wk<", "Wk2<", "Out<", "N<"}));
+
+    // Sidewalks connect round the corner but carry no drivable strip.
+    std::vector<LaneConnection> all;
+    x->ComputeAllConnections(all);
+    std::vector<std::string> expected;
+    for (const std::string& text : Texts(all))
+        if (text.find(".W") == std::string::npos) expected.push_back(text);
+    EXPECT_EQ(std::ranges::count(Texts(all), "Wk.WL-Wk2.WR"), 1);
+    EXPECT_EQ(std::ranges::count(expected, "In.A-Out.A"), 1);
+    x->ComputeAllPassagewaysConnections(all);
+    EXPECT_EQ(Texts(all), expected);
+}
+
+TEST(Intersection, LaneEndGeometry) {
+    CountedPtr<Network> network = LoadNetwork(LaneNode());
+    ASSERT_TRUE(network);
+    Intersection* x = network->GetSubNetwork(0)->GetIntersectionByName("X");
+    EXPECT_TRUE(x->IsLaneExtremity(At("Out", false, "B")));
+    for (const auto& lane :
+         {At("Out", true, "B"), At("Out", false, "Z"), LaneOnIntersectionData("Out", false, "B", 1)})
+        EXPECT_FALSE(x->IsLaneExtremity(lane)) << lane.trackName << lane.atTrackEnd << lane.laneName;
+
+    // In ends at (-10, 0) heading east, A left of the axis; the distance is clamped to the track.
+    vek::Vector3 p;
+    vek::Vector3 v;
+    double banking = 1;
+    for (const auto& [distance, along] : {std::pair{5.0, -15.0}, {1000.0, -110.0}, {-3.0, -10.0}}) {
+        ASSERT_TRUE(x->ComputePositionBankingDirection(At("In", true, "A"), distance, p, v, banking));
+        ExpectNear(p, vek::Vector3(along, 1.75, 0));
+        ExpectNear(v, vek::Vector3(1, 0, 0));
+        EXPECT_EQ(banking, 0);
+    }
+    // Out starts at (10, 0): the tangent towards X runs against the axis, so the banking turns over.
+    ASSERT_TRUE(x->ComputePositionBankingDirection(At("Out", false, "B"), 5, p, v, banking));
+    ExpectNear(p, vek::Vector3(15, -1.75, 1.75 * std::tan(-0.1)));
+    ExpectNear(v, vek::Vector3(-1, 0, 0));
+    EXPECT_NEAR(banking, -0.1, 1e-12);
+    EXPECT_FALSE(x->ComputePositionBankingDirection(At("Out", true, "B"), 5, p, v, banking));
+    ASSERT_TRUE(x->GetLaneBorder(At("In", true, "A"), false, p));
+    ExpectNear(p, vek::Vector3(-10, 0, 0));
+    EXPECT_FALSE(x->GetLaneBorder(At("N", true, "C"), false, p));
+    SubNetwork* s = network->GetSubNetwork(0);
+    ASSERT_TRUE(x->GetAnchorPos(TrackExtremity(s->GetTrackByName("In"), true), true, p));
+    ExpectNear(p, vek::Vector3(-10, 3.5, 0));
+    ASSERT_TRUE(x->GetAnchorPos(TrackExtremity(s->GetTrackByName("Wk"), false), false, p));
+    ExpectNear(p, vek::Vector3(-5, -10, 0));
+    EXPECT_FALSE(x->GetAnchorPos(TrackExtremity(), false, p));
+}
+
+TEST(Intersection, ValidateRefreshesOutlineAndClippedData) {
+    CountedPtr<Network> network = LoadNetwork(LaneNode());
+    ASSERT_TRUE(network);
+    SubNetwork* s = network->GetSubNetwork(0);
+    Intersection* x = s->GetIntersectionByName("X");
+    x->SetPosition(vek::Vector3(1, 2, 3));
+    EXPECT_EQ(x->GetBoundingBox().max, x->GetBoundingBox().min);
+    auto* mark = new Orvia::MarkClippedData;
+    mark->SetName("Rail");
+    auto* linear = new Orvia::LinearObject;
+    mark->SetLinearObject(linear);
+    linear->SetClippedData(nullptr);
+    x->AddClippedData(mark);
+    x->TrackConnector::SetContourPoints({vek::Vector2(-5, -4), vek::Vector2(6, -4), vek::Vector2(6, 7)}, {});
+    x->Invalidate();
+    x->Validate();
+    EXPECT_EQ(x->GetBoundingBox().min, vek::Vector3(-5, -4, 3));
+    EXPECT_EQ(x->GetBoundingBox().max, vek::Vector3(6, 7, 3));
+    x->SetInterpolation(1, true);
+    x->GetUserPointsFromRuvexData();
+    ASSERT_EQ(x->UserPoints().size(), 3u);
+    EXPECT_EQ(x->UserPoints()[1], (Orvia::TrackConnector::UserPoint{vek::Vector2(6, -4), true}));
+    EXPECT_FALSE(x->UserPoints()[2].spline);
+    EXPECT_EQ(mark->GetParent(), x);
+    EXPECT_EQ(mark->GetInSubNetwork(), s);
+    EXPECT_EQ(mark->GetQualifiedName(), "S//Rail");
+    EXPECT_EQ(linear->GetClippedData(), mark);
+    EXPECT_FALSE(x->IsConnectorSpecificMaterial());
+    x->SetMaterial(vek::Material());
+    EXPECT_TRUE(x->IsConnectorSpecificMaterial());
+    x->RemoveConnectorMaterial();
+    EXPECT_FALSE(x->IsConnectorSpecificMaterial());
+    EXPECT_EQ(x->GetMaterial(), nullptr);
 }

@@ -5,6 +5,7 @@
 
 #include <orvia/ruvex/elements/ground.h>
 #include <orvia/ruvex/elements/network.h>
+#include <orvia/vek/box.h>
 #include <orvia/vek/vector.h>
 
 #include <orvia/topology/track.h>
@@ -91,6 +92,20 @@ public:
 
     // --- Shared operations --------------------------------------------------------------------------------
     const std::string& GetConnectorName() const;
+    // Whether the connector names a material of its own rather than leaving the surface to its default.
+    bool IsConnectorSpecificMaterial() const { return !GetAsConnectionElement()->GetMaterialName().empty(); }
+    // Back to the default surface; the sub-network keeps the material in its list.
+    void RemoveConnectorMaterial() { SetMaterial(static_cast<Ruvex::MaterialElement*>(nullptr)); }
+
+    // A contour point as an editor shows it: where it is and whether the stretch after it is a spline.
+    struct UserPoint {
+        vek::Vector2 position;
+        bool spline = false;
+        bool operator==(const UserPoint&) const = default;
+    };
+    // The outline as user points, as of the last GetUserPointsFromRuvexData (Validate refreshes them).
+    const std::vector<UserPoint>& UserPoints() const { return m_userPoints; }
+    void GetUserPointsFromRuvexData();
     bool IsValid() const { return m_valid; }
     // The drawable contour is rebuilt on the next Validate (tracks call this when their geometry changes).
     void Invalidate() { m_valid = false; }
@@ -117,6 +132,13 @@ public:
     size_t GetTrajContourNumber() const { return m_drawable.empty() ? 0 : 1; }
     const std::vector<vek::Vector2>& GetTrajContour(size_t index) const;
     void RefreshDrawableContours();
+    // Where the outline meets a track: the outer left (right) border of the profile at the extremity, at the
+    // track's altitude there with its banking applied. A junction answers in the network's frame. False
+    // without a track, an axis or a profile.
+    bool GetAnchorPos(const TrackExtremity& extremity, bool leftSide, vek::Vector3& position) const;
+    // The drawable outline (as of the last Validate) and the position, the outline at the position's
+    // altitude. Just the position while there is no outline.
+    vek::Box3 GetBoundingBox() const;
 
 protected:
     TrackConnector() = default;
@@ -131,6 +153,7 @@ protected:
     Ruvex::CountedPtr<Ruvex::MaterialElement> m_ownMaterial;
     Ruvex::CountedPtr<Ruvex::GroundElement> m_ownGround;
     std::vector<vek::Vector2> m_drawable;
+    std::vector<UserPoint> m_userPoints;
     bool m_valid = false;
 };
 

@@ -19,6 +19,7 @@ class Lane;
 class Link;
 class MarkClippedData;
 class Network;
+class Profile;
 class SubNetwork;
 
 // One end of one lane at a node: the lane `laneName` of the profile at the `atTrackEnd` extremity of track
@@ -111,7 +112,9 @@ public:
     const Ruvex::TrackConnectorElement* GetAsConnectionElement() const override { return this; }
     void SetMaterial(const vek::Material& material) override;
     void SetMaterial(Ruvex::MaterialElement* material) override;
-    // Nothing when valid; otherwise rebuilds the drawable contour.
+    // Nothing when valid; otherwise rebuilds the drawable contour and attaches the clipped data: each gets
+    // the sub-network (and so its qualified name), this intersection as parent, and its linear object is
+    // linked back to it.
     bool Validate() override;
     // Also makes the banned links the sub-network's.
     void SetInSubNetwork(SubNetwork* subNetwork) override;
@@ -141,6 +144,23 @@ public:
     // for which implicit links are built; the lane-links code relies on the order and on banned pairs being
     // left out.
     void GetNonlinkedLanesPairs(std::vector<LaneConnection>& out) const;
+
+    // The candidate connections (ComputeAllConnections, same order) whose two lanes are drivable
+    // (IsDriveableLane): the ones a strip of traffic runs through. Banned links are not filtered here.
+    void ComputeAllPassagewaysConnections(std::vector<LaneConnection>& out) const;
+    // From a pair of drivable lanes, the pairs of their drivable neighbours, side by side: the lanes just
+    // right of both (right of their own direction of travel) while those are drivable and compatible
+    // (AreCompatibleLanes), nearest first, then likewise on the left. `out` is cleared; it gets nothing when
+    // the initial pair itself is not drivable and compatible, and never the initial pair.
+    void CreateFollowingLanesPairsFromInitialPair(const LaneConnection& initial,
+                                                  std::vector<LaneConnection>& out) const;
+    // The lane right beside `lane` in its profile, on the right (or left) of the lane's direction of travel,
+    // when it is drivable; false otherwise (a non-drivable neighbour stops the search: traffic does not jump
+    // a median).
+    bool GetFollowingDriveableLane(const LaneOnIntersectionData& lane, bool toRight,
+                                   LaneOnIntersectionData& following) const;
+    // The main road first: a stable order by drivable lane count (GetNumberOfDriveableLanes), most first.
+    void SortExtremitiesByMainRoad(std::vector<TrackExtremity>& extremities) const;
 
     // --- Banned links
     // ---------------------------------------------------------------------------------------
@@ -177,6 +197,20 @@ public:
     Lane* FindLane(size_t trackIndex, size_t laneIndex) const;
     // The inverse: false (indices untouched) when `lane` is at no gathered extremity.
     bool FindTrackAndLaneIndex(const Lane* lane, size_t& trackIndex, size_t& laneIndex) const;
+
+    // Whether `lane` names a lane of the profile at a track extremity that meets here (in this intersection's
+    // sub-network).
+    bool IsLaneExtremity(const LaneOnIntersectionData& lane) const;
+    // The left (right, in the track's direction) border of the lane end at the node: the track's point there
+    // with its banking applied. False when IsLaneExtremity is.
+    bool GetLaneBorder(const LaneOnIntersectionData& lane, bool left, vek::Vector3& point) const;
+    // The lane end seen `distance` m into its track from the node (clamped to the track): the point of the
+    // lane's centre, the unit tangent pointing towards the node, and the banking about that tangent (the
+    // track's, negated at a track start where the tangent runs against the axis). False when IsLaneExtremity
+    // is.
+    bool ComputePositionBankingDirection(const LaneOnIntersectionData& lane, double distance,
+                                         vek::Vector3& position, vek::Vector3& direction,
+                                         double& banking) const;
 
     // --- Links and clipped data ----------------------------------------------------------------------------
     // A new empty explicit link of this intersection, appended.
@@ -227,6 +261,9 @@ private:
     // A lane traffic can use through the node: of a drivable type, with a way (neither none nor both), wider
     // than kMinDriveableWidth.
     static bool IsDriveableLane(const Lane* lane);
+    // The profile at the extremity a record names and the lane in it; false unless the track meets here.
+    bool ResolveLaneEnd(const LaneOnIntersectionData& lane, TrackExtremity& extremity, Profile*& profile,
+                        size_t& laneIndex) const;
     // Narrower lanes (m) carry no traffic through a node.
     static constexpr double kMinDriveableWidth = 1.0;
 
