@@ -11,6 +11,7 @@
 #include <orvia/vek/material.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -90,6 +91,12 @@ public:
     virtual SubNetworkJunction* GetAsSubNetworkJunction() { return nullptr; }
 
     // --- Shared operations --------------------------------------------------------------------------------
+    // AreCompatibleLanes for many pairs at one connector: the lanes already found from the records (null when
+    // missing), and the extremities around in SortTracks order, gathered into `sortedArms` by the first
+    // sidewalk that needs them and reused by the next ones.
+    bool AreCompatibleLanes(const LaneOnIntersectionData& from, Lane* fromLane,
+                            const LaneOnIntersectionData& to, Lane* toLane,
+                            std::optional<std::vector<TrackExtremity>>& sortedArms) const;
     const std::string& GetConnectorName() const;
     bool IsValid() const { return m_valid; }
     // The drawable contour is rebuilt on the next Validate (tracks call this when their geometry changes).
