@@ -216,8 +216,13 @@ void TrackConnector::SetContourPoints(const std::vector<vek::Vector2>& points,
 
 bool TrackConnector::AreCompatibleLanes(const LaneOnIntersectionData& from,
                                         const LaneOnIntersectionData& to) const {
-    Lane* fromLane = GetLaneFromLaneData(from);
-    Lane* toLane = GetLaneFromLaneData(to);
+    std::optional<std::vector<TrackExtremity>> sortedArms;
+    return AreCompatibleLanes(from, GetLaneFromLaneData(from), to, GetLaneFromLaneData(to), sortedArms);
+}
+
+bool TrackConnector::AreCompatibleLanes(const LaneOnIntersectionData& from, Lane* fromLane,
+                                        const LaneOnIntersectionData& to, Lane* toLane,
+                                        std::optional<std::vector<TrackExtremity>>& sortedArms) const {
     if (!fromLane || !toLane || !fromLane->IsCompatibleWith(toLane)) return false;
     // Bit 1: traffic runs along the track; bit 2: against it. The from-lane must run into the node, the
     // to-lane out of it.
@@ -228,8 +233,8 @@ bool TrackConnector::AreCompatibleLanes(const LaneOnIntersectionData& from,
     if (fromLane->GetLaneType() != eLaneSidewalk) return true;
 
     // A sidewalk goes round the node: only to the neighbouring extremity on its own side.
-    std::vector<TrackExtremity> around;
-    GetTracksArroundConnector(around, true);
+    if (!sortedArms) GetTracksArroundConnector(sortedArms.emplace(), true);
+    const std::vector<TrackExtremity>& around = *sortedArms;
     const auto position = [&around](const LaneOnIntersectionData& data) {
         for (size_t k = 0; k < around.size(); ++k)
             if (around[k].GetTrack() && around[k].IsEnd() == data.atTrackEnd &&

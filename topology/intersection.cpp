@@ -11,6 +11,7 @@
 #include <orvia/topology/track.h>
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace Orvia {
@@ -202,27 +203,31 @@ void Intersection::ComputeAllConnections(std::vector<LaneConnection>& out) const
     std::vector<TrackExtremity> extremities;
     BuildTrackArrayAroundIntersection(extremities);
     const uint64_t subNetworkIndex = IndexOf(m_subNetwork);
+    // Every lane end once, with the lane its record finds: each pair then tests without a lookup.
+    struct LaneEnd {
+        LaneOnIntersectionData data;
+        Lane* found;
+    };
+    std::vector<LaneEnd> ends;
     for (const TrackExtremity& a : extremities) {
-        const Profile* fromProfile = a.GetProfile();
-        if (!fromProfile) continue;
-        for (size_t i = 0; i < fromProfile->GetLaneCount(); ++i) {
-            const Lane* fromLane = fromProfile->GetLane(i);
-            if (!fromLane) continue;
-            const LaneOnIntersectionData from(a.GetTrack()->GetName(), a.IsEnd(), fromLane->GetName(),
-                                              subNetworkIndex);
-            for (const TrackExtremity& b : extremities) {
-                const Profile* toProfile = b.GetProfile();
-                if (!toProfile) continue;
-                for (size_t j = 0; j < toProfile->GetLaneCount(); ++j) {
-                    const Lane* toLane = toProfile->GetLane(j);
-                    if (!toLane) continue;
-                    LaneOnIntersectionData to(b.GetTrack()->GetName(), b.IsEnd(), toLane->GetName(),
-                                              subNetworkIndex);
-                    if (AreCompatibleLanes(from, to)) out.emplace_back(from, std::move(to));
-                }
-            }
+        const Profile* profile = a.GetProfile();
+        if (!profile) continue;
+        for (size_t i = 0; i < profile->GetLaneCount(); ++i) {
+            const Lane* lane = profile->GetLane(i);
+            if (!lane) continue;
+            LaneOnIntersectionData data(a.GetTrack()->GetName(), a.IsEnd(), lane->GetName(), subNetworkIndex);
+            Lane* found = GetLaneFromLaneData(data);
+            ends.push_back({std::move(data), found});
         }
     }
+    // The arms a sidewalk goes round are these, in turning order.
+    std::optional<std::vector<TrackExtremity>> sortedArms(extremities);
+    std::vector<double> angles;
+    SortTracks(*sortedArms, angles);
+    for (const LaneEnd& from : ends)
+        for (const LaneEnd& to : ends)
+            if (AreCompatibleLanes(from.data, from.found, to.data, to.found, sortedArms))
+                out.emplace_back(from.data, to.data);
 }
 
 void Intersection::GetNonlinkedLanesPairs(std::vector<LaneConnection>& out) const {

@@ -110,7 +110,7 @@ void IntersectionLinksManager::FillMapWithExplicits(Intersection* intersection) 
     GetExplicitLinks(intersection, links);
     SubNetwork* subNetwork = intersection->GetInSubNetwork();
     Network* network = intersection->GetNetwork();
-    // Every name lookup comes before the ways are laid (naming them makes the name indices stale).
+    // Every name lookup comes before the ways are laid.
     struct Pending {
         Link* link;
         size_t index;
@@ -174,7 +174,7 @@ void IntersectionLinksManager::GetImplicitLinks(Intersection* intersection,
     Network* network = subNetwork ? subNetwork->GetNetwork() : nullptr;
     std::vector<LaneConnection> pairs;
     intersection->GetNonlinkedLanesPairs(pairs);
-    // Every name lookup comes first: naming the new links and tracks makes the name indices stale.
+    // Every name lookup comes first, before anything is made.
     struct Candidate {
         const LaneConnection* pair;
         Track* fromTrack;
@@ -211,7 +211,7 @@ void IntersectionLinksManager::GetImplicitLinks(Intersection* intersection,
 
         Ruvex::CountedPtr<Link> link(new Link(false));
         link->SetInSubNetwork(subNetwork);
-        link->setName("link implicit link " + counter + " " + pairText);
+        link->NameUnlisted("link implicit link " + counter + " " + pairText);
         Track* way = subNetwork->CreateTrackInJunction("implicit track " + counter + " " + pairText);
         bool degenerated = true;
         const bool built = BuildTrack(way, intersection, fromTrack, toTrack, from, to, degenerated);
@@ -480,7 +480,7 @@ Profile* IntersectionLinksManager::insertProfile(Portion* portion, const LaneOnI
     auto found = m_profiles.find(key);
     if (found != m_profiles.end()) return found->second;
     Ruvex::CountedPtr<Profile> profile(new Profile);
-    profile->SetName(name);
+    profile->NameUnlisted(name);
     insertLane(profile.Get(), source, laneData.atTrackEnd);
     if (!atStart) {
         if (LaneBorder* left = profile->GetLeftLaneBorder(profile->GetLane(0))) left->SetMarking(leftMarking);
@@ -493,7 +493,8 @@ Profile* IntersectionLinksManager::insertProfile(Portion* portion, const LaneOnI
 void IntersectionLinksManager::insertLane(Profile* profile, const Lane* source, bool atTrackEnd) {
     Lane* lane = profile->AddLane();
     lane->CopyFrom(source);
-    lane->SetName(source->GetName());
+    // The new profile's single lane is searched without an index.
+    lane->NameUnlisted(source->GetName());
     lane->SetCirculationWay(eWayDirect);
     const double halfWidth = -0.5 * (source->GetLeftPositionX() - source->GetRightPositionX());
     lane->SetRightHorDistance(halfWidth, false);

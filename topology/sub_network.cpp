@@ -15,6 +15,7 @@
 #include <utility>
 
 #include <algorithm>
+#include <typeinfo>
 
 namespace Orvia {
 
@@ -34,15 +35,22 @@ void AppendRenamed(List& list, List& incoming) {
     incoming.clear();
 }
 
+// The exact type needs no search of the hierarchy; node code asks for every track of the list.
+template <class T, class Record>
+T* As(Record* record) {
+    if (!record) return nullptr;
+    return typeid(*record) == typeid(T) ? static_cast<T*>(record) : dynamic_cast<T*>(record);
+}
+
 template <class T, class List>
 T* At(const List& list, size_t index) {
-    return index < list.size() ? dynamic_cast<T*>(list[index].Get()) : nullptr;
+    return index < list.size() ? As<T>(list[index].Get()) : nullptr;
 }
 
 template <class T, class List>
 T* Named(const List& list, const std::string& name) {
     size_t index = list.find(name);
-    return index == List::npos ? nullptr : dynamic_cast<T*>(list[index].Get());
+    return index == List::npos ? nullptr : As<T>(list[index].Get());
 }
 
 }  // namespace
@@ -96,12 +104,10 @@ Track* SubNetwork::CreateTrack(const std::string& requested) {
 }
 
 Track* SubNetwork::CreateTrackInJunction(const std::string& requested) {
-    // A scan rather than the name index: derived tracks come in runs, each named as it is made, and every
-    // naming makes the index stale, so each lookup would rebuild it.
-    const bool taken = std::any_of(m_Tracks.begin(), m_Tracks.end(),
-                                   [&](const auto& track) { return track && track->GetName() == requested; });
+    const bool taken = m_Tracks.contains(requested);
     Ruvex::CountedPtr<Track> track(new Track(this));
-    track->SetName(taken ? GetUniqueTrackName(requested) : requested);
+    // New and in no indexed list: nothing names it yet (no road, no node) and no index goes stale.
+    track->NameUnlisted(taken ? GetUniqueTrackName(requested) : requested);
     m_junctionTracks.push_back(track);
     return track.Get();
 }

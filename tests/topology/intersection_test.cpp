@@ -312,6 +312,22 @@ TEST(Intersection, SidewalksGoRoundTheCorner) {
     for (const Case& c : cases)
         EXPECT_EQ(x->AreCompatibleLanes(c.from, c.to), c.expected)
             << c.from.trackName << "." << c.from.laneName << " -> " << c.to.trackName << "." << c.to.laneName;
+
+    // The whole set, which gathers the arms once for every sidewalk pair, agrees with the pairwise test.
+    std::vector<LaneConnection> expected;
+    const std::pair<const char*, bool> arms[] = {{"E", false}, {"N", false}, {"W", true}, {"S", false}};
+    const char* lanes[] = {"WL", "L", "R", "WR"};
+    for (const auto& [fromTrack, fromEnd] : arms)
+        for (const char* fromLane : lanes)
+            for (const auto& [toTrack, toEnd] : arms)
+                for (const char* toLane : lanes)
+                    if (x->AreCompatibleLanes(At(fromTrack, fromEnd, fromLane), At(toTrack, toEnd, toLane)))
+                        expected.emplace_back(At(fromTrack, fromEnd, fromLane), At(toTrack, toEnd, toLane));
+    std::vector<LaneConnection> all;
+    x->ComputeAllConnections(all);
+    EXPECT_EQ(all, expected);
+    EXPECT_EQ(std::count_if(all.begin(), all.end(), [](const auto& c) { return c.first.laneName[0] == 'W'; }),
+              8);
 }
 
 TEST(Intersection, DefaultSelfBansFollowTheTrackEnd) {

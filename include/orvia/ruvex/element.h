@@ -112,6 +112,9 @@ public:
 
     virtual const std::string& GetName() const { return m_name; }
     virtual void SetName(const std::string& name);
+    // Names an element that no name-searchable list holds yet (one just made): no index can know it, so none
+    // is marked stale, and a run of such namings costs the lists nothing.
+    void NameUnlisted(const std::string& name) { m_name = name; }
 
 protected:
     explicit NamedElement(const Schema* schema) : Element(schema) {}

@@ -12,6 +12,7 @@
 #include <orvia/vek/material.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -91,6 +92,12 @@ public:
     virtual SubNetworkJunction* GetAsSubNetworkJunction() { return nullptr; }
 
     // --- Shared operations --------------------------------------------------------------------------------
+    // AreCompatibleLanes for many pairs at one connector: the lanes already found from the records (null when
+    // missing), and the extremities around in SortTracks order, gathered into `sortedArms` by the first
+    // sidewalk that needs them and reused by the next ones.
+    bool AreCompatibleLanes(const LaneOnIntersectionData& from, Lane* fromLane,
+                            const LaneOnIntersectionData& to, Lane* toLane,
+                            std::optional<std::vector<TrackExtremity>>& sortedArms) const;
     const std::string& GetConnectorName() const;
     // Whether the connector names a material of its own rather than leaving the surface to its default.
     bool IsConnectorSpecificMaterial() const { return !GetAsConnectionElement()->GetMaterialName().empty(); }
