@@ -109,6 +109,37 @@ bool Portion::FindProfileAndLaneIndex(const Lane* lane, size_t& which, size_t& i
     return false;
 }
 
+bool Portion::GetPosition(vek::Vector3& p) const {
+    vek::Mark mark;
+    if (!m_track || !m_track->GetMark(mark, GetStartDistance(), 0.0)) return false;
+    p = mark.position;
+    return true;
+}
+
+vek::Vector3 Portion::GetPosition() const {
+    vek::Vector3 p;
+    GetPosition(p);
+    return p;
+}
+
+vek::Box3 Portion::GetBoundingBox() const {
+    vek::Box3 box;
+    if (!m_track) return box;
+    const double start = GetStartDistance();
+    const double length = std::max(0.0, m_EndDistance - start);
+    const auto steps = static_cast<size_t>(std::ceil(length / kBoxStep));
+    for (size_t i = 0; i <= steps; ++i) {
+        const double s = i == steps ? m_EndDistance : start + static_cast<double>(i) * kBoxStep;
+        double left = 0, right = 0;
+        GetSideDistances(s, left, right);
+        for (const double t : {left, 0.0, right}) {
+            vek::Mark mark;
+            if (m_track->GetMark(mark, s, t)) box.add(mark.position);
+        }
+    }
+    return box;
+}
+
 ProfileModifier* Portion::GetProfileModifier() const {
     return dynamic_cast<ProfileModifier*>(m_ProfileModifier.Get());
 }
@@ -124,6 +155,25 @@ ProfileModifier* Portion::GetOrCreateProfileModifier() {
                                                        offset->GetDirIn(), offset->GetDirOut());
     m_ProfileModifier = modifier;
     return modifier.Get();
+}
+
+ProfileModifier* Portion::AddDefaultProfileModifier() {
+    ProfileModifier* modifier = GetOrCreateProfileModifier();
+    const size_t count = m_startProfile ? m_startProfile->GetLaneBorderCount() : 0;
+    const double length = GetXYLength();
+    for (size_t id = 0; id < count; ++id) {
+        if (modifier->GetBorderModifierById(id)) continue;
+        // The Hermite ends follow the straight blend, so the border does not move until an offset is edited.
+        const double slope =
+            std::fabs(length) < kDegenerateLength
+                ? 0.0
+                : (BorderPosition(m_endProfile, id).first - BorderPosition(m_startProfile, id).first) /
+                      length;
+        modifier->CreateOrUpdateBorderModifier(id, 0.0, 0.0, slope, slope);
+        modifier->CreateOrUpdateBorderModifier(id, 1.0, 0.0, slope, slope);
+    }
+    BuildPassageways();
+    return modifier;
 }
 
 size_t Portion::GetLastBorderId() const {
@@ -191,8 +241,22 @@ void Portion::InvertProfile(bool keepWay, bool exchange, bool invertProfiles, do
     }
     SetStartProfile(m_startProfile);
     SetEndProfile(m_endProfile);
-    if (ProfileModifier* modifier = GetProfileModifier()) modifier->Invert(this);
+    if (ProfileModifier* modifier = GetProfileModifier()) {
+        modifier->Invert(this);
+        // An inverted profile lists its borders the other way round.
+        const size_t count = m_startProfile ? m_startProfile->GetLaneBorderCount() : 0;
+        for (size_t i = 0; invertProfiles && i < modifier->GetBorderModifierCount(); ++i)
+            if (BorderModifier* border = modifier->GetBorderModifier(i); border && border->GetId() < count)
+                border->SetId(count - 1 - border->GetId());
+    }
     m_EndDistance = trackLength - start;
+}
+
+void Portion::Invert() {
+    const double end = m_EndDistance;
+    InvertProfile(false, true, true, 0.0);
+    m_EndDistance = end;
+    BuildPassageways();
 }
 
 Profile* Portion::ResolveProfile(std::string& name) const {

@@ -644,3 +644,66 @@ TEST(Track, PortionEdits) {
     EXPECT_TRUE(track->RemovePortion(1, 10));
     EXPECT_EQ(ends(), (std::vector<double>{70}));
 }
+
+namespace {
+
+// Flat straight track along +x: portions [0, 40] A -> W (outer borders -3.5, 7 -> -5, 9), [40, 100] W -> W.
+const std::string kFlatWidening =
+    "<Profiles>" + ProfileXml("A", 0, 0, 0, 0) +
+    R"(<Profile name="W"><Lane name="l"/><Lane name="c"/><Lane name="r"/><LaneBorder horizDistToAxis="-5"/>
+<LaneBorder horizDistToAxis="0"/><LaneBorder horizDistToAxis="3.5"/><LaneBorder horizDistToAxis="9"/></Profile>
+</Profiles><Tracks><Track name="T"><XYCurve><Segment length="100"/></XYCurve>
+<Portion endDistance="40" startProfileName="A" endProfileName="W"/>
+<Portion endDistance="100" startProfileName="W" endProfileName="W"/></Track></Tracks>)";
+
+void ExpectSides(const Portion& portion, double s, double left, double right) {
+    double l = 0, r = 0;
+    portion.GetSideDistances(s, l, r);
+    EXPECT_NEAR(l, left, kPositionToleranceM) << "s=" << s;
+    EXPECT_NEAR(r, right, kPositionToleranceM) << "s=" << s;
+}
+
+}  // namespace
+
+TEST(Portion, PositionBoxDefaultModifierAndInvert) {
+    CountedPtr<Network> network = LoadNetwork(kFlatWidening);
+    Track* track = network->GetSubNetwork(0)->GetTrackByName("T");
+    Portion* first = track->GetPortion(0);
+    Portion* second = track->GetPortion(1);
+    EXPECT_EQ(first->GetPosition(), vek::Vector3(0, 0, 0));
+    EXPECT_EQ(second->GetPosition(), vek::Vector3(40, 0, 0));
+    // t runs to the right, which is -y along +x.
+    const vek::Box3 box = first->GetBoundingBox();
+    EXPECT_NEAR(box.min.x, 0, kPositionToleranceM);
+    EXPECT_NEAR(box.max.x, 40, kPositionToleranceM);
+    EXPECT_NEAR(box.min.y, -9, kPositionToleranceM);
+    EXPECT_NEAR(box.max.y, 5, kPositionToleranceM);
+    EXPECT_NEAR(box.min.z, 0, kPositionToleranceM);
+    EXPECT_NEAR(box.max.z, 0, kPositionToleranceM);
+    Portion detached;
+    vek::Vector3 p(1, 2, 3);
+    EXPECT_FALSE(detached.GetPosition(p));
+    EXPECT_EQ(p, vek::Vector3(1, 2, 3));
+    EXPECT_TRUE(detached.GetBoundingBox().isEmpty());
+
+    // The default modifier follows the blend: the borders stay where they were.
+    Orvia::ProfileModifier* modifier = first->AddDefaultProfileModifier();
+    ASSERT_NE(modifier, nullptr);
+    EXPECT_EQ(modifier->GetBorderModifierCount(), 4u);
+    EXPECT_TRUE(first->HasModifiedBorders());
+    EXPECT_EQ(first->AddDefaultProfileModifier()->GetBorderModifierCount(), 4u);
+    for (double s : {0.0, 10.0, 20.0, 40.0})
+        ExpectSides(*first, s, -3.5 - 1.5 * s / 40, 7 + 2 * s / 40);
+    vek::Mark mark;
+    ASSERT_TRUE(track->GetMark(mark, 20, -4.25));
+    EXPECT_NEAR(mark.position.y, 4.25, kPositionToleranceM);
+
+    // Seen from the other end on the same stretch: W mirrored -> A mirrored, modifier mirrored with it.
+    first->Invert();
+    EXPECT_EQ(first->GetEndDistance(), 40);
+    EXPECT_NE(first->GetStartProfileName(), "W");
+    EXPECT_NE(first->GetEndProfileName(), "A");
+    for (double s : {0.0, 10.0, 40.0})
+        ExpectSides(*first, s, -9 + 2 * s / 40, 5 - 1.5 * s / 40);
+    EXPECT_EQ(second->GetStartProfileName(), "W");
+}

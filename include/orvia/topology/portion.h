@@ -5,6 +5,7 @@
 #include <orvia/geometry/passageway.h>
 #include <orvia/geometry/profile_modifier.h>
 #include <orvia/ruvex/elements/portion.h>
+#include <orvia/vek/box.h>
 
 #include <cstddef>
 #include <vector>
@@ -54,6 +55,15 @@ public:
     // its modifier.
     void GetSideDistances(double s, double& left, double& right) const;
 
+    // The centre-line point (with its altitude) where the portion starts; false (p untouched) without a track
+    // or when the track's axis gives no point there.
+    bool GetPosition(vek::Vector3& p) const;
+    vek::Vector3 GetPosition() const;
+    // Box of the road surface over the portion: the centre line and both outer borders sampled every
+    // kBoxStep (m) and at both ends, with their heights. Empty without a track.
+    static constexpr double kBoxStep = 1.0;
+    vek::Box3 GetBoundingBox() const;
+
     // Lane `index` of the start profile (which = 0) or the end profile (1); null otherwise.
     Lane* FindLane(size_t which, size_t index) const;
     // Where `lane` is: start profile first. False for null or a lane of neither profile.
@@ -71,6 +81,10 @@ public:
     size_t GetLastBorderId() const;
     // The border modifier for the strip's left border (the right one for the last strip), or null.
     BorderModifier* GetBorderModifierOfPassageway(size_t passageway) const;
+    // Gives every border of the start profile that has none a modifier leaving it where the blend puts it
+    // (offsets 0 at both ends, directions along the blend), ready to be bent; the passageways are rebuilt.
+    // Returns the modifier.
+    ProfileModifier* AddDefaultProfileModifier();
     // Largest |curvature| of the modifiers' functions at x (m from the portion's start).
     double GetMaxCurvatureFromProfileModifier(double x) const;
 
@@ -85,6 +99,10 @@ public:
     // mirrored and the end distance becomes trackLength - start, so that the portion covers the same stretch
     // of the reversed axis once the track reverses its list.
     void InvertProfile(bool keepWay, bool exchange, bool invertProfiles, double trackLength);
+
+    // The same stretch seen from its other end: the profiles change places and are inverted as InvertProfile
+    // does (circulation ways swapped) and the modifier is mirrored; the distances stay.
+    void Invert();
 
     // Stores the track, resolves the profile names (a missing one falls back to the sub-network's first
     // profile), builds the passageways and the modifier's functions.
