@@ -306,8 +306,37 @@ void Track::InvertAxis() {
     Validate();
 }
 
+void Track::InvertAxis(bool invertPortions, bool keepWay) {
+    if (invertPortions)
+        InvertPortionsProfiles(keepWay, true, true);
+    else
+        InvertAxis();
+}
+
 Axis* Track::CloneAxis() const {
     return Clone();
+}
+
+bool Track::ComputeCurvatureCurve(CartesianCurve* curve) const {
+    const Curve2D* xy = GetXYCurve();
+    if (!curve || !(m_curvatureStep > 0) || !std::isfinite(m_curvatureStep) || !IsAxisValid() || !xy)
+        return false;
+    const double length = xy->GetLength();
+    if (!(length > 0)) return false;
+    curve->Clear();
+    double s0 = 0, k0 = GetSZCurvature(0);
+    for (size_t i = 1; s0 < length; ++i) {
+        // A last step shorter than a micrometre would make a needless sliver.
+        double s1 = std::min(length, static_cast<double>(i) * m_curvatureStep);
+        if (length - s1 < 1e-6) s1 = length;
+        const double k1 = GetSZCurvature(s1);
+        auto* piece = new PolynomialFunction;
+        piece->SetLinear({s0, k0}, {s1, k1});
+        curve->AddFunction(piece);
+        s0 = s1;
+        k0 = k1;
+    }
+    return true;
 }
 
 double Track::GetBanking(double s) const {
@@ -630,16 +659,24 @@ size_t Track::GetPortionIndex(const Portion* portion) const {
     return it == m_portions.end() ? npos : static_cast<size_t>(it - m_portions.begin());
 }
 
-bool Track::SplitPortion(double s) {
+bool Track::SplitPortion(double s, bool modifierToSecond, bool update) {
     const size_t index = GetPortionIndexAt(s);
     Portion* portion = GetPortion(index);
     if (!portion || !(s > GetPortionStart(index) && s < portion->GetEndDistance())) return false;
     Ruvex::CountedPtr<Portion> second(new Portion(this));
     second->CopyFrom(portion);
-    second->SetProfileModifier(nullptr);
+    if (modifierToSecond)
+        portion->SetProfileModifier(nullptr);
+    else
+        second->SetProfileModifier(nullptr);
     m_Portions.insert(m_Portions.begin() + static_cast<std::ptrdiff_t>(index) + 1, second);
     portion->SetEndDistance(s);
-    UpdatePortion();
+    if (update) {
+        UpdatePortion();
+    } else {
+        RefreshPortionView();
+        Invalidate();
+    }
     return true;
 }
 

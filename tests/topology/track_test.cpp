@@ -707,3 +707,48 @@ TEST(Portion, PositionBoxDefaultModifierAndInvert) {
         ExpectSides(*first, s, -9 + 2 * s / 40, 5 - 1.5 * s / 40);
     EXPECT_EQ(second->GetStartProfileName(), "W");
 }
+
+TEST(Track, InvertAxisFlagsCurvatureCurveAndSplitPortionFlags) {
+    // z = s^2 / 200: z'' = 0.01, graph curvature 0.01 / (1 + (s / 100)^2)^1.5.
+    CountedPtr<Network> network =
+        LoadNetwork("<Profiles>" + ProfileXml("A", 0, 0, 0, 0) +
+                    R"(</Profiles><Tracks><Track name="T"><XYCurve><Segment length="100"/></XYCurve>
+<SZCurve><Polynomial xIn="0" yIn="0" derivativeIn="0" xOut="100" yOut="50" derivativeOut="1"/></SZCurve>
+<Portion endDistance="40" startProfileName="A" endProfileName="A"/>
+<Portion endDistance="100" startProfileName="A" endProfileName="A"/></Track></Tracks>)");
+    Track* track = network->GetSubNetwork(0)->GetTrackByName("T");
+    auto k = [](double s) { return 0.01 / std::pow(1 + s * s / 1e4, 1.5); };
+    Orvia::CartesianCurve curve("SZCurvatureCurve");
+    track->SetCurvatureCurveMeasureStep(30);
+    ASSERT_TRUE(track->ComputeCurvatureCurve(&curve));
+    ASSERT_EQ(curve.GetFunctionCount(), 4u);  // 0, 30, 60, 90, 100
+    for (double s : {0.0, 30.0, 90.0, 100.0})
+        EXPECT_NEAR(curve.GetValue(s), k(s), 1e-12) << s;
+    EXPECT_NEAR(curve.GetValue(45), 0.5 * (k(30) + k(60)), 1e-12);
+    EXPECT_NEAR(curve.GetValue(95), 0.5 * (k(90) + k(100)), 1e-12);
+    track->SetCurvatureCurveMeasureStep(0);
+    EXPECT_FALSE(track->ComputeCurvatureCurve(&curve));
+    EXPECT_EQ(curve.GetFunctionCount(), 4u);
+    EXPECT_FALSE(track->ComputeCurvatureCurve(nullptr));
+
+    // Only the axis: the elevation runs backwards, the portions keep their ends.
+    track->InvertAxis(false, false);
+    EXPECT_NEAR(track->GetSZCurve()->GetValue(0), 50, kPositionToleranceM);
+    EXPECT_EQ(track->GetPortion(0)->GetEndDistance(), 40);
+    // With the portions: they follow the road, listed from the new start.
+    track->InvertAxis(true, false);
+    EXPECT_NEAR(track->GetSZCurve()->GetValue(0), 0, kPositionToleranceM);
+    EXPECT_EQ(track->GetPortion(0)->GetEndDistance(), 60);
+    EXPECT_EQ(track->GetPortion(1)->GetEndDistance(), 100);
+
+    // The modifier goes with the chosen part; without update the view follows at once.
+    track->GetPortion(0)->AddDefaultProfileModifier();
+    ASSERT_TRUE(track->SplitPortion(30, true, false));
+    ASSERT_EQ(track->GetPortionCount(), 3u);
+    EXPECT_EQ(track->GetPortion(0)->GetProfileModifier(), nullptr);
+    EXPECT_NE(track->GetPortion(1)->GetProfileModifier(), nullptr);
+    EXPECT_EQ(track->GetPortion(1)->GetStartDistance(), 30);
+    ASSERT_TRUE(track->SplitPortion(10));
+    EXPECT_EQ(track->GetPortion(1)->GetProfileModifier(), nullptr);
+    EXPECT_EQ(track->GetPortionCount(), 4u);
+}

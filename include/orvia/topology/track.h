@@ -102,6 +102,9 @@ public:
     // Runs the axis backwards: the curves (Axis::InvertCurves) and the two ends swap (names and links), the
     // intersections' anchors and banned links following (InvertTrackAnchorInfo).
     void InvertAxis() override;
+    // With invertPortions the portions follow as in InvertPortionsProfiles(keepWay, true, true), so that the
+    // track still describes the same road; otherwise only the axis runs backwards (InvertAxis()).
+    void InvertAxis(bool invertPortions, bool keepWay);
     // A copy of the track (Clone).
     Axis* CloneAxis() const override;
     // Cuts the track at s (0 < s < length): this track keeps [0, s], the returned one (count 0, not added to
@@ -112,6 +115,10 @@ public:
     Axis* Split(double s) override;
 
     CartesianCurve* GetSZCurvatureCurve() const;
+    // Replaces curve's pieces by the curvature of the elevation graph sampled every measure step from 0 and
+    // at the length, joined linearly. False (curve untouched) for null, a step that is not positive and
+    // finite, or an unusable axis.
+    bool ComputeCurvatureCurve(CartesianCurve* curve) const;
     SubNetwork* GetSubNetwork() const { return m_subNetwork; }
     void SetSubNetwork(SubNetwork* subNetwork) {
         m_subNetwork = subNetwork;
@@ -178,9 +185,11 @@ public:
     Portion* GetPortionAt(double s) const { return GetPortion(GetPortionIndexAt(s)); }
     // Start distance of portion `index` (the end of the one before; 0 for the first).
     double GetPortionStart(size_t index) const;
-    // Cuts the portion holding s into two with the same profiles (the modifier stays with the first part);
-    // false when s is not strictly inside a portion.
-    bool SplitPortion(double s);
+    // Cuts the portion holding s into two with the same profiles; the modifier stays with the first part, or
+    // with modifierToSecond goes to the second. Without update the portions are not post-loaded and the track
+    // not revalidated (for a batch of edits: call UpdatePortion after). False when s is not strictly inside a
+    // portion.
+    bool SplitPortion(double s, bool modifierToSecond = false, bool update = true);
     // Moves the end of portion `index` to s, kept between its start and the next portion's end (the last
     // portion's end stays at the track's length); false for a bad index or a non-finite s.
     bool ModifyPortion(size_t index, double s);
