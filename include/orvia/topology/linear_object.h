@@ -14,8 +14,8 @@ namespace Orvia {
 class ClippedData;
 
 // Read from and saved as "Linear". The object's own axis runs over its curves; an object without a plan
-// piece (or with a length that is not a finite number) has no valid axis and its queries answer as on an
-// empty curve.
+// piece, or whose plan length is not a finite number, has no valid axis, and its queries answer as on an
+// empty curve. Its cached lengths are never negative nor NaN.
 class LinearObject : public Ruvex::LinearElement, public Axis {
 public:
     static constexpr size_t npos = static_cast<size_t>(-1);
