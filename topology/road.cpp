@@ -6,6 +6,8 @@
 #include <orvia/topology/sub_network.h>
 #include <orvia/topology/track.h>
 
+#include <algorithm>
+
 namespace Orvia {
 
 namespace {
@@ -119,6 +121,41 @@ void Road::InitTracksData(size_t roadIndex, const Network* network) {
         if (!piece) continue;
         piece->Init(network);
         if (Track* track = piece->GetTrack(network)) track->AddRoad(roadIndex);
+    }
+}
+
+void Road::PossibleNextRoadPieces(const Network* network, std::vector<RoadPiece*>& out) const {
+    out.clear();
+    if (!m_Pieces.empty()) PossibleRoadPieces(GetRoadPiece(m_Pieces.size() - 1), true, network, out);
+}
+
+void Road::PossiblePrevRoadPieces(const Network* network, std::vector<RoadPiece*>& out) const {
+    out.clear();
+    if (!m_Pieces.empty()) PossibleRoadPieces(GetRoadPiece(0), false, network, out);
+}
+
+void Road::PossibleRoadPieces(const RoadPiece* piece, bool atEnd, const Network* network,
+                              std::vector<RoadPiece*>& out) {
+    out.clear();
+    Track* track = piece ? piece->GetTrack(network) : nullptr;
+    if (!track) return;
+    const bool trackEnd = atEnd != piece->GetInverted();
+    const TrackConnector* node = trackEnd ? track->FindEndNode() : track->FindStartNode();
+    if (!node) return;
+    // Scanning the roads rather than the node's arms needs no scratch list.
+    for (size_t r = 0; r < network->GetRoadCount(); ++r) {
+        const Road* road = network->GetRoad(r);
+        if (!road) continue;
+        for (size_t i = 0; i < road->GetRoadPieceCount(); ++i) {
+            RoadPiece* other = road->GetRoadPiece(i);
+            Track* otherTrack = other ? other->GetTrack(network) : nullptr;
+            if (!otherTrack) continue;
+            // The candidate meets the node at its start side when going on, at its end side when coming in.
+            const bool otherTrackEnd = atEnd == other->GetInverted();
+            if (otherTrack == track && otherTrackEnd == trackEnd) continue;
+            if ((otherTrackEnd ? otherTrack->FindEndNode() : otherTrack->FindStartNode()) != node) continue;
+            if (std::find(out.begin(), out.end(), other) == out.end()) out.push_back(other);
+        }
     }
 }
 

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 using Orvia::Network;
 using Orvia::Road;
@@ -100,4 +101,51 @@ TEST(Road, OldLayoutGoesThroughTheConverter) {
         ASSERT_EQ(road->GetRoadPieceCount(), 1u);
         EXPECT_EQ(road->GetRoadPiece(0)->GetTrackName(), "T");
     }
+}
+
+TEST(Road, PossibleNextAndPrevPieces) {
+    // T runs P -> Q, U leaves Q, V comes into Q, W is free.
+    const std::string text = R"(<Ruvex version="2.5"><Network><SubNetworks><SubNetwork name="A">
+<Intersections><Intersection name="P"/><Intersection name="Q"/></Intersections><Tracks>
+<Track name="T" startIntersectionName="P" endIntersectionName="Q"/><Track name="U" startIntersectionName="Q"/>
+<Track name="V" endIntersectionName="Q"/><Track name="W"/>
+</Tracks></SubNetwork></SubNetworks><Roads>
+<Road name="r0"><RoadElement subNetwork="A" track="T"/></Road>
+<Road name="r1"><RoadElement subNetwork="A" track="U"/></Road>
+<Road name="r2"><RoadElement subNetwork="A" track="V" inverted="true"/></Road>
+<Road name="r3"><RoadElement subNetwork="A" track="W"/><RoadElement subNetwork="A" track="V"/></Road>
+<Road name="r4"><RoadElement subNetwork="A" track="T" inverted="true"/></Road>
+<Road name="r5"><RoadElement subNetwork="B" track="T"/></Road>
+<Road name="r6"/>
+</Roads></Network></Ruvex>)";
+    CountedPtr<Network> network(Network::Load(text.c_str(), 0, {}));
+    ASSERT_TRUE(network);
+    auto piece = [&](size_t road, size_t index) { return network->GetRoad(road)->GetRoadPiece(index); };
+    using Pieces = std::vector<RoadPiece*>;
+    Pieces out{piece(0, 0)};
+
+    // Leaving T at Q: U starts there, V run backwards starts there; V forward (r3) and T reversed (r4,
+    // a U-turn) do not continue.
+    network->GetRoad(0)->PossibleNextRoadPieces(network.Get(), out);
+    EXPECT_EQ(out, (Pieces{piece(1, 0), piece(2, 0)}));
+    // Entering U at Q: T and V forward end there, as does the middle of r3.
+    network->GetRoad(1)->PossiblePrevRoadPieces(network.Get(), out);
+    EXPECT_EQ(out, (Pieces{piece(0, 0), piece(3, 1)}));
+    // r2 runs V backwards: its start is V's end at Q (V forward into it is a U-turn), its end V's free start.
+    network->GetRoad(2)->PossiblePrevRoadPieces(network.Get(), out);
+    EXPECT_EQ(out, (Pieces{piece(0, 0)}));
+    network->GetRoad(2)->PossibleNextRoadPieces(network.Get(), out);
+    EXPECT_TRUE(out.empty());
+    // r4 leaves T reversed at P, where nothing else meets.
+    network->GetRoad(4)->PossibleNextRoadPieces(network.Get(), out);
+    EXPECT_TRUE(out.empty());
+    network->GetRoad(4)->PossiblePrevRoadPieces(network.Get(), out);  // entering T's end at Q
+    EXPECT_EQ(out, (Pieces{piece(3, 1)}));
+    // Unresolved piece, empty road, no network.
+    network->GetRoad(5)->PossibleNextRoadPieces(network.Get(), out);
+    EXPECT_TRUE(out.empty());
+    network->GetRoad(6)->PossiblePrevRoadPieces(network.Get(), out);
+    EXPECT_TRUE(out.empty());
+    network->GetRoad(0)->PossibleNextRoadPieces(nullptr, out);
+    EXPECT_TRUE(out.empty());
 }

@@ -7,6 +7,8 @@
 #include <orvia/topology/track.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -44,6 +46,11 @@ private:
 // whether the link was read from the file (explicit) or derived, and the sub-network.
 class Link : public Ruvex::LinkElement {
 public:
+    // Extremity filter of getLinkTrajectories: a lane end at the track's start, at its end, or either.
+    static constexpr uint64_t kTrackStart = 0;
+    static constexpr uint64_t kTrackEnd = 1;
+    static constexpr uint64_t kAnyExtremity = std::numeric_limits<uint64_t>::max();
+
     explicit Link(bool isExplicit = true);
     Link(const Link& other);
     ~Link() override;
@@ -57,6 +64,28 @@ public:
     // link's current way. Returns the new pair.
     LanePair* addLanePair(const LaneOnIntersectionData& from, const LaneOnIntersectionData& to,
                           bool trajectory);
+    // Appends a copy of `pair` (nothing for null); with `trajectory`, the copy follows the link's current
+    // way.
+    LanePair* addLanePair(const LanePair* pair, bool trajectory);
+    // Appends the record itself, taking a reference, without a trajectory (nothing for null).
+    void addLanePairElement(Ruvex::LanePairElement* pair);
+    // Drops pair `index` and its trajectory; later pairs keep theirs. False out of range.
+    bool removeLanePair(size_t index);
+    // Indexes of the pairs that match, in pair order, into `out` (cleared first). An empty track name
+    // matches every pair on its side; a named track needs a named lane, and both must equal the pair's.
+    // An extremity other than kAnyExtremity must equal the pair's (kTrackStart, kTrackEnd).
+    void getLinkPairsIndexes(const std::string& fromTrack, const std::string& fromLane,
+                             const std::string& toTrack, const std::string& toLane, std::vector<size_t>& out,
+                             uint64_t fromExtremity = kAnyExtremity,
+                             uint64_t toExtremity = kAnyExtremity) const;
+    // The trajectories of the matching pairs, in pair order, into `out` (cleared first); pairs without a
+    // trajectory add nothing. `out` is the caller's so repeated queries reuse its storage.
+    void getLinkTrajectories(const std::string& fromTrack, const std::string& fromLane,
+                             const std::string& toTrack, const std::string& toLane,
+                             std::vector<LinkTrajectory*>& out) const;
+    void getLinkTrajectories(const std::string& fromTrack, const std::string& fromLane,
+                             uint64_t fromExtremity, const std::string& toTrack, const std::string& toLane,
+                             uint64_t toExtremity, std::vector<LinkTrajectory*>& out) const;
     // The trajectory of pair `index`; null when the pair has none or the index is out of range.
     LinkTrajectory* getLinkTrajectory(size_t index) const;
     // Gives pair `index` its trajectory (nothing out of range).

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace Orvia {
 
@@ -68,6 +69,18 @@ public:
     // Initialises each piece (RoadPiece::Init) and registers `roadIndex` with each track the road passes
     // over, once per track; unresolved pieces are skipped.
     void InitTracksData(size_t roadIndex, const Network* network);
+
+    // The pieces, of any road of `network`, a vehicle can drive onto after leaving this road's last piece
+    // (Next) or before entering its first (Prev), into `out` (cleared first, each piece once, in road then
+    // piece order). The road's extremity is the track's end, or its start when the piece is inverted. A
+    // piece continues there when its own opposite extremity lies on the same node (intersection or
+    // junction) as the track's other extremity: a next piece must start at the node, a previous one end
+    // there. Turning back onto the very same track extremity is not a continuation. Only track topology
+    // counts, not lanes or banned links. Nothing for an empty road, an unresolved piece or a free end.
+    void PossibleNextRoadPieces(const Network* network, std::vector<RoadPiece*>& out) const;
+    void PossiblePrevRoadPieces(const Network* network, std::vector<RoadPiece*>& out) const;
+    static void PossibleRoadPieces(const RoadPiece* piece, bool atEnd, const Network* network,
+                                   std::vector<RoadPiece*>& out);
 };
 
 }  // namespace Orvia
