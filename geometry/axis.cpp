@@ -63,6 +63,27 @@ bool Axis::ValidateAxis() {
     return false;
 }
 
+bool Axis::ValidateAlongXYCurve() {
+    if (m_axisValid) return true;
+    Curve2D* xy = GetXYCurve();
+    if (!xy || xy->GetFunctionCount() == 0) return false;
+    // Edits through the axis leave the pieces where they were.
+    xy->UpdateFunctionsFromStart();
+    UpdateCacheData();
+    const double length = xy->GetLength();
+    if (!std::isfinite(length) || length < 0) return false;
+    m_axisValid = true;
+    m_xyLengthValid = true;
+    return true;
+}
+
+bool Axis::ValidateWithCachedLengths() {
+    if (!ValidateAxis()) return false;
+    if (!m_xyLengthValid) UpdateCacheData();
+    m_xyLengthValid = true;
+    return true;
+}
+
 void Axis::InvertCurves() {
     Validate();
     if (Curve2D* xy = GetXYCurve()) xy->Invert();

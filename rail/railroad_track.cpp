@@ -65,22 +65,11 @@ void RailroadTrack::UpdateCacheData() {
 }
 
 bool RailroadTrack::Validate() {
-    if (!ValidateAxis()) return false;
-    if (!IsXYLengthValid()) UpdateCacheData();
-    SetXYLengthValid(true);
-    return true;
+    return ValidateWithCachedLengths();
 }
 
 bool RailroadTrack::ValidateAxis() {
-    if (IsAxisValid()) return true;
-    Orvia::Curve2D* xy = GetXYCurve();
-    if (!xy || xy->GetFunctionCount() == 0) return false;
-    // Edits through the axis leave the pieces where they were.
-    xy->UpdateFunctionsFromStart();
-    UpdateCacheData();
-    SetAxisValid(true);
-    SetXYLengthValid(true);
-    return true;
+    return ValidateAlongXYCurve();
 }
 
 void RailroadTrack::InvertAxis() {

@@ -71,23 +71,11 @@ void LinearObject::UpdateCacheData() {
 }
 
 bool LinearObject::Validate() {
-    if (!ValidateAxis()) return false;
-    if (!IsXYLengthValid()) UpdateCacheData();
-    SetXYLengthValid(true);
-    return true;
+    return ValidateWithCachedLengths();
 }
 
 bool LinearObject::ValidateAxis() {
-    if (IsAxisValid()) return true;
-    Curve2D* xy = GetXYCurve();
-    if (!xy || xy->GetFunctionCount() == 0) return false;
-    xy->UpdateFunctionsFromStart();
-    UpdateCacheData();
-    const double length = xy->GetLength();
-    if (!std::isfinite(length) || length < 0) return false;
-    SetAxisValid(true);
-    SetXYLengthValid(true);
-    return true;
+    return ValidateAlongXYCurve();
 }
 
 void LinearObject::InvertAxis() {

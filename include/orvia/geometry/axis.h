@@ -172,6 +172,11 @@ public:
     }
 
 protected:
+    // For an axis that is its horizontal curve alone: places the pieces from the start and caches the
+    // lengths; false without a piece or with a length that is not finite and non-negative.
+    bool ValidateAlongXYCurve();
+    // Validate for such an axis: ValidateAxis, then the cached lengths when they are stale.
+    bool ValidateWithCachedLengths();
     bool IsAxisValid() const { return m_axisValid; }
     void SetAxisValid(bool valid) { m_axisValid = valid; }
     bool IsXYLengthValid() const { return m_xyLengthValid; }
